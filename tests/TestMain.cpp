@@ -9,7 +9,6 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     ::testing::InitGoogleTest(&argc, argv);
-    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     const QGuiApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }
