@@ -1,0 +1,77 @@
+#include "CQFileNameUtil.h"
+
+#include "BoundedImageRead.h"
+#include "CQWString.h"
+#include "PathText.h"
+#include "TImageMIMETypes.h"
+
+#include <QFileInfo>
+#include <QMimeData>
+
+#include <memory>
+#include <string>
+
+namespace
+{
+
+const QString clientImageTypes[] = {
+    QStringLiteral("image/bmp"),  QStringLiteral("image/gif"), QStringLiteral("image/jp2"),
+    QStringLiteral("image/jpeg"), QStringLiteral("image/png"),
+};
+
+bool IsImageType(const QString& mimeType)
+{
+    return mimeType.startsWith(QLatin1String("image/"));
+}
+
+// Goes by units, where CQWString(const QString&) would count a character above U+FFFF twice.
+void SetText(CQWString& target, const QString& text)
+{
+    if (text.isEmpty()) {
+        target.Empty();
+    } else {
+        target.SetData(text.toStdWString().c_str());
+    }
+}
+
+} // namespace
+
+void CQFileNameUtil::OrvoImageMIMETypesL(TImageMIMETypes& types)
+{
+    auto list = std::make_unique<QStringList>();
+    for (const QString& type : clientImageTypes) {
+        list->append(type);
+    }
+    types.m_pArray = list.release();
+}
+
+void CQFileNameUtil::ImageMIMETypesL(TImageMIMETypes& types)
+{
+    auto list = std::make_unique<QStringList>();
+    const QMimeData freshData;
+    const QStringList formats = freshData.formats();
+    for (const QString& format : formats) {
+        if (IsImageType(format)) {
+            auto owned = std::make_unique<QString>(format);
+            list->append(*owned);
+            types.m_ownedStrings.append(owned.get());
+            owned.release();
+        }
+    }
+    types.m_pArray = list.release();
+}
+
+bool CQFileNameUtil::IsImageFile(CQWString const& path)
+{
+    return !BoundedImageRead::FromFile(PathText::FromWide(path.GetDataPtr())).isNull();
+}
+
+void CQFileNameUtil::FindShortName(CQWString const& path, CQWString& name)
+{
+    SetText(name, QFileInfo(PathText::FromWide(path.GetDataPtr())).baseName());
+}
+
+void CQFileNameUtil::FindFileExtName(CQWString const& path, CQWString& ext)
+{
+    SetText(ext, QFileInfo(PathText::FromWide(path.GetDataPtr())).completeSuffix());
+}
