@@ -1,0 +1,82 @@
+#pragma once
+
+#include "OrvoExport.h"
+#include "TDisplayMode.h"
+
+#include <memory>
+
+class CImgDecodeNotify;
+class CQSString;
+class CQWString;
+class PrivateImageDecode;
+class QImage;
+
+/// Decodes an image file or an encoded image in memory.
+///
+/// It has the shape of an asynchronous decoder, but every decode runs to its end inside the call,
+/// and the notifier is called before the call returns: once for each decode that ran. The image
+/// is then taken with GetImage(), or with GetImageFromPng() after the operations that also make a
+/// mask.
+/// \code
+/// std::unique_ptr<CQImageDecode> decoder(CQImageDecode::NewL(enFormat_RGB32, &notifier));
+/// if (decoder->DecodeImgFileL(&path, id) != 0) {
+///     std::unique_ptr<QImage> image(decoder->GetImage());
+/// }
+/// \endcode
+///
+/// Decode operations return 1 when a decode ran, also when it failed: the image is then a null
+/// QImage. They return 0 for null or empty arguments and for the name "nopic.bmp", which stands
+/// for no picture; nothing has changed then and nobody is notified.
+///
+/// The format is detected from the content. An image beyond 128 MB in memory is a null image, and
+/// so is one in a display mode that Qt does not know. Paths are used as they stand; a backslash
+/// is part of a name. Arguments may be what GetFileName() returned.
+///
+/// Images that are not taken stay with the decoder, which deletes them when the next decode
+/// replaces them or when it is destroyed. Use a decoder on one thread.
+class ORVO_EXPORT CQImageDecode
+{
+public:
+    /// A new decoder that the caller deletes. \a notify may be null and is not owned.
+    /// @{
+    static CQImageDecode* NewL(int displayMode, CImgDecodeNotify* notify);
+    static CQImageDecode* NewLC(TDisplayMode displayMode, CImgDecodeNotify* notify);
+    /// @}
+    /// A decoder without a notifier; ConstructL() sets it.
+    explicit CQImageDecode(TDisplayMode displayMode);
+    virtual ~CQImageDecode();
+    CQImageDecode(const CQImageDecode&) = delete;
+    CQImageDecode& operator=(const CQImageDecode&) = delete;
+
+    void ConstructL(CImgDecodeNotify* notify);
+
+    /// Decodes the file at \a path and converts it to the display mode. Refuses \a path when it
+    /// is "nopic.bmp" as a whole, in any case of letters; a longer path that ends in it is decoded.
+    int DecodeImgFileL(CQWString* path, int id);
+    /// Decodes the file at \a dir followed by \a name, as it is, without conversion. \a dir brings
+    /// its own trailing slash. A file that cannot be opened asserts "0"; a null image.
+    int DecodeImgFileL(CQWString* dir, CQWString* name, int id);
+    /// As DecodeImgFileL(path, id), and makes the mask: the image in 8-bit indexed form.
+    int DecodePngFileL(CQWString* path, int id);
+    /// Decodes the file at \a dir followed by \a name, without conversion, and makes the mask. Only
+    /// this operation notifies with \a hasAlpha 1, when the image has an alpha channel.
+    int DecodePngFileL(CQWString* dir, CQWString* name, int id);
+    /// Decodes \a data into the mask; the image stays what it was. Callers fetch the pair with
+    /// GetImageFromPng(). Notifies with the id of the last file decode: \a id is not kept.
+    int DecodePngBufL(CQSString& data, int id);
+    /// Decodes \a data, without conversion. \a format must not be empty and has no other effect.
+    /// Notifies with the id of the last file decode: \a id is not kept.
+    int DecodeImgBufL(CQSString& data, CQSString format, int id);
+
+    /// Gives up the image to the caller, who deletes it; null when there is none.
+    QImage* GetImage();
+    /// Gives up the image and the mask, either of which may be null, to the caller, who deletes
+    /// them.
+    /// \return  1; 0 for a null argument, and then the decoder keeps both.
+    int GetImageFromPng(QImage** image, QImage** mask);
+    /// Path or name of the last file decode, without the directory for the two-name operations.
+    CQWString& GetFileName();
+
+private:
+    std::unique_ptr<PrivateImageDecode> m_pPrivate;
+};
