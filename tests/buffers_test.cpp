@@ -1,5 +1,5 @@
 #include "AssertRecorder.h"
-#include "FailingNew.h"
+#include "FailingAllocator.h"
 
 #include <MLDataBuf.h>
 
@@ -31,7 +31,7 @@ TEST(DataBuf, CreateRefusesWhatCannotBeHad)
     if constexpr (sizeof beyond32Bits > 4) {
         EXPECT_EQ(0, buffer.Create(beyond32Bits) + buffer.Create(&byte, beyond32Bits));
     }
-    const FailingNew noMemory;
+    const FailingAllocator noMemory(1);
     EXPECT_EQ(0, buffer.Create(10));
     EXPECT_EQ(0, buffer.Append(byte));
     EXPECT_EQ(nullptr, buffer.GetBuf());

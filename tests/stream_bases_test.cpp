@@ -1,4 +1,4 @@
-#include "FailingNew.h"
+#include "FailingAllocator.h"
 
 #include <CIStream.h>
 #include <COStream.h>
@@ -130,8 +130,8 @@ TEST(OutputBase, FlushAlwaysReachesTheDeviceRefusalsAndDestructionNever)
         Sink out(blocks);
         out.Flush();
         {
-            const FailingNew noMemory;
-            EXPECT_EQ(0, out.Write("abc", 3) + out.PrepareBuffer(3));
+            const FailingAllocator noMemory(1);
+            EXPECT_EQ(0, out.Write("abc", 3));
         }
         EXPECT_EQ(0, out.Write("first", 5));
         EXPECT_EQ(0, out.Write("abc", -1) + out.Write(nullptr, 1));
@@ -172,7 +172,7 @@ TEST(InputBase, BoundsArgumentsDevicesAndThePosition)
     };
     Liar nothing(-5);
     {
-        const FailingNew noMemory;
+        const FailingAllocator noMemory(1);
         EXPECT_EQ(0, nothing.PrepareBuffer(0));
     }
     EXPECT_EQ(1, nothing.PrepareBuffer(0));
