@@ -15,7 +15,8 @@ class CQWString;
 /// an empty text. The texts are formatted by CBaseUtil::FormatString(), so backslashes in what
 /// the caller passes become slashes too. Arguments may lie in the string that is written.
 ///
-/// The members do not fail. They hold no state and may be called on any thread.
+/// The members do not fail and hold no state. They may be called on any thread once the main
+/// thread has asked for the install disc, which Qt looks up and keeps at the first request.
 class ORVO_EXPORT CQPath
 {
 public:

@@ -45,7 +45,8 @@ public:
                                  bool shortUnit);
     /// First character of the application's directory, '/' on this platform: what stands in a
     /// path where the older platform had a drive letter. Without an application object it
-    /// asserts "nIndex < m_nDataLen" in src/CQWString; 0.
+    /// asserts "nIndex < m_nDataLen" in src/CQWString; 0. The first call belongs on the main
+    /// thread: Qt looks the directory up then and keeps it.
     static unsigned short GetInstallDisc();
     /// 0, always.
     static int OpenResource(CQWString const& name);
