@@ -36,7 +36,7 @@ struct Sample {
     std::wstring packed;
 };
 
-const Sample kSamples[] = {
+const Sample Samples[] = {
     {"A", L"A", {0x41}},
     {"AB", L"AB", {0x00420041}},
     {"A\xC3\xA9\xE4\xB8\xAD", L"A\u00E9\u4E2D", {0x00E90041, 0x4E2D}},
@@ -47,7 +47,7 @@ const Sample kSamples[] = {
 
 TEST(WideEncoding, LegacySettersDecodeUtf8IntoPackedUnits)
 {
-    for (const Sample& sample : kSamples) {
+    for (const Sample& sample : Samples) {
         const int size = static_cast<int>(std::strlen(sample.utf8));
         CQWString ascii, gbk, assigned;
         EXPECT_EQ(1, ascii.SeASCIIData(Bytes(sample.utf8), size));
@@ -77,7 +77,7 @@ TEST(WideEncoding, LegacySettersThatDecodeNothingLeaveTheText)
 
 TEST(WideEncoding, OtherFormsGiveOneUnitACodePoint)
 {
-    for (const Sample& sample : kSamples) {
+    for (const Sample& sample : Samples) {
         const int size = static_cast<int>(std::strlen(sample.utf8));
         CQWString utf8, bytes;
         EXPECT_EQ(1, utf8.SetUTF8Data(Bytes(sample.utf8), size));
