@@ -11,10 +11,10 @@
 namespace
 {
 
-constexpr char kSource[] = "src/CQWString";
+constexpr char Source[] = "src/CQWString";
 
 // A buffer has to fit a 32-bit host, so that every host refuses the same lengths.
-constexpr qint64 kMaxCapacity = 0x7FFFFFFF / sizeof(wchar_t) - 1;
+constexpr qint64 MaxCapacity = 0x7FFFFFFF / sizeof(wchar_t) - 1;
 
 int ToIndex(std::size_t nPosition)
 {
@@ -62,7 +62,7 @@ CQWString::~CQWString()
 
 CQWString::Units CQWString::NewUnits(qint64 nCapacity)
 {
-    if (nCapacity > kMaxCapacity) {
+    if (nCapacity > MaxCapacity) {
         return nullptr;
     }
     return Units(new (std::nothrow) wchar_t[static_cast<std::size_t>(nCapacity) + 1]());
@@ -116,7 +116,7 @@ void CQWString::AllocBuffer(int nLen)
 
 int CQWString::PrepareBufferToWrite(int nLen)
 {
-    if (!OrvoAssert(nLen >= 0, "nLen >= 0", kSource)) {
+    if (!OrvoAssert(nLen >= 0, "nLen >= 0", Source)) {
         return 0;
     }
     if (nLen == 0) {
@@ -135,7 +135,7 @@ void CQWString::SetStrEnding(int nLen)
     if (m_pData == nullptr || nLen < 0) {
         return;
     }
-    if (!OrvoAssert(m_nMAXLen >= nLen, "nLen >= 0&& m_nMAXLen >= nLen", kSource)) {
+    if (!OrvoAssert(m_nMAXLen >= nLen, "nLen >= 0&& m_nMAXLen >= nLen", Source)) {
         return;
     }
     m_nDataLen = nLen;
@@ -287,8 +287,8 @@ std::wstring_view CQWString::View() const
 
 wchar_t CQWString::GetAt(int nIndex) const
 {
-    if (!OrvoAssert(nIndex >= 0, "nIndex >= 0", kSource) ||
-        !OrvoAssert(nIndex < m_nDataLen, "nIndex < m_nDataLen", kSource)) {
+    if (!OrvoAssert(nIndex >= 0, "nIndex >= 0", Source) ||
+        !OrvoAssert(nIndex < m_nDataLen, "nIndex < m_nDataLen", Source)) {
         return 0;
     }
     return m_pData[nIndex];
@@ -301,8 +301,8 @@ wchar_t CQWString::operator[](int nIndex) const
 
 void CQWString::SetAt(int nIndex, wchar_t c)
 {
-    if (OrvoAssert(nIndex >= 0, "nIndex >= 0", kSource) &&
-        OrvoAssert(nIndex < m_nDataLen, "nIndex < m_nDataLen", kSource)) {
+    if (OrvoAssert(nIndex >= 0, "nIndex >= 0", Source) &&
+        OrvoAssert(nIndex < m_nDataLen, "nIndex < m_nDataLen", Source)) {
         m_pData[nIndex] = c;
     }
 }
@@ -346,7 +346,7 @@ int CQWString::Find(wchar_t c) const
 int CQWString::Find(const wchar_t* lpszSub, int nStart) const
 {
     // Even an empty text is not found at the end.
-    if (!OrvoAssert(lpszSub != nullptr, "lpszSub != NULL", kSource) || nStart >= m_nDataLen) {
+    if (!OrvoAssert(lpszSub != nullptr, "lpszSub != NULL", Source) || nStart >= m_nDataLen) {
         return -1;
     }
     return ToIndex(View().find(lpszSub, ToStart(nStart)));
@@ -373,7 +373,7 @@ int CQWString::FindofLast(wchar_t c) const
 void CQWString::GetSubString(CQWString& out, int nFirst, int nCount) const
 {
     nFirst = std::max(nFirst, 0);
-    if (OrvoAssert(nFirst <= m_nDataLen, "nFirst + nCount <= m_nDataLen", kSource)) {
+    if (OrvoAssert(nFirst <= m_nDataLen, "nFirst + nCount <= m_nDataLen", Source)) {
         AllocCopy(out, nCount, nFirst);
     }
 }

@@ -11,12 +11,12 @@
 namespace
 {
 
-constexpr quint32 kFirstSupplementary = 0x10000;
+constexpr quint32 FirstSupplementary = 0x10000;
 
 bool NeedsPair(wchar_t c)
 {
     const auto unit = static_cast<quint32>(c);
-    return unit >= kFirstSupplementary && unit <= QChar::LastValidCodePoint;
+    return unit >= FirstSupplementary && unit <= QChar::LastValidCodePoint;
 }
 
 bool HasPairs(const QString& text)
@@ -159,7 +159,7 @@ const unsigned short* CQWString::WCharToUtf16() const
     unsigned short* pOut = m_pUtf16;
     for (const wchar_t c : text) {
         const auto unit = static_cast<quint32>(c);
-        if (unit < kFirstSupplementary) {
+        if (unit < FirstSupplementary) {
             *pOut++ = static_cast<unsigned short>(unit);
         } else if (NeedsPair(c)) {
             *pOut++ = static_cast<unsigned short>(0xD7C0 + (unit >> 10));

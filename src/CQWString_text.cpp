@@ -13,14 +13,14 @@
 namespace
 {
 
-constexpr char kSource[] = "src/CQWString";
-constexpr wchar_t kBlanks[] = L"\n\r \t";
+constexpr char Source[] = "src/CQWString";
+constexpr wchar_t Blanks[] = L"\n\r \t";
 
 // Room for any 32-bit number in a base from 10 up, with sign and terminator.
-constexpr int kNumberSize = 12;
+constexpr int NumberSize = 12;
 
 // Stands for a unit that is no code point while the platform maps the case.
-constexpr char16_t kOpaque = 0xFFFF;
+constexpr char16_t Opaque = 0xFFFF;
 
 std::wstring_view SafeView(const wchar_t* lpszStr)
 {
@@ -40,9 +40,9 @@ QString ToPlatform(std::wstring_view text, std::wstring& opaque)
     result.reserve(static_cast<int>(text.size()));
     for (const wchar_t c : text) {
         const auto unit = static_cast<quint32>(c);
-        if (unit == kOpaque || !IsCodePoint(unit)) {
+        if (unit == Opaque || !IsCodePoint(unit)) {
             opaque += c;
-            result += QChar(kOpaque);
+            result += QChar(Opaque);
         } else if (QChar::requiresSurrogates(unit)) {
             result += QChar(QChar::highSurrogate(unit));
             result += QChar(QChar::lowSurrogate(unit));
@@ -70,7 +70,7 @@ enum class Side { Start, End };
 template <class Equal>
 int TestAffix(std::wstring_view text, Side side, const wchar_t* lpszSub, Equal equal)
 {
-    if (!OrvoAssert(lpszSub != nullptr, "lpszSub != NULL", kSource)) {
+    if (!OrvoAssert(lpszSub != nullptr, "lpszSub != NULL", Source)) {
         return 0;
     }
     const std::wstring_view sub(lpszSub);
@@ -136,10 +136,10 @@ int TrailingNumber(std::wstring_view text, int nBase)
 
 // Formats n as a terminated text and returns it.
 template <class Number>
-const wchar_t* FormatNumber(Number n, int nBase, wchar_t (&buffer)[kNumberSize])
+const wchar_t* FormatNumber(Number n, int nBase, wchar_t (&buffer)[NumberSize])
 {
-    char digits[kNumberSize];
-    const char* pEnd = std::to_chars(digits, digits + kNumberSize - 1, n, nBase).ptr;
+    char digits[NumberSize];
+    const char* pEnd = std::to_chars(digits, digits + NumberSize - 1, n, nBase).ptr;
     const auto toWide = [](char c) { return static_cast<wchar_t>(c >= 'a' ? c - 'a' + 'A' : c); };
     *std::transform(static_cast<const char*>(digits), pEnd, buffer, toWide) = L'\0';
     return buffer;
@@ -152,7 +152,7 @@ const wchar_t* FormatNumber(Number n, int nBase, wchar_t (&buffer)[kNumberSize])
 bool CQWString::AssertText() const
 {
     return OrvoAssert(m_pData != nullptr && m_nDataLen > 0, "m_pData != NULL && m_nDataLen > 0",
-                      kSource);
+                      Source);
 }
 
 int CQWString::Extract(CQWString& out, std::wstring_view start, std::wstring_view end, int nStart,
@@ -201,14 +201,14 @@ int CQWString::GetSubString(CQWString& out, wchar_t cStart, wchar_t cEnd, int nS
 void CQWString::TrimRightAndLeft()
 {
     const std::wstring_view text = View();
-    const std::size_t nFirst = text.find_first_not_of(kBlanks);
+    const std::size_t nFirst = text.find_first_not_of(Blanks);
     if (nFirst == std::wstring_view::npos) {
         Empty();
         return;
     }
     const int nStartPos = static_cast<int>(nFirst);
-    const int nEndPos = static_cast<int>(text.find_last_not_of(kBlanks));
-    OrvoAssert(nEndPos >= nStartPos, "nEndPos >= nStartPos", kSource);
+    const int nEndPos = static_cast<int>(text.find_last_not_of(Blanks));
+    OrvoAssert(nEndPos >= nStartPos, "nEndPos >= nStartPos", Source);
     // Never shrinks the buffer, so the kept units move within it.
     Store(m_pData + nStartPos, nEndPos - nStartPos + 1);
 }
@@ -220,7 +220,7 @@ void CQWString::StoreMapped(const QString& mapped, std::wstring_view opaque)
     const int nCount = std::min(static_cast<int>(codePoints.size()), m_nDataLen);
     auto kept = opaque.begin();
     for (int i = 0; i < nCount; ++i) {
-        m_pData[i] = codePoints[i] == kOpaque ? *kept++ : static_cast<wchar_t>(codePoints[i]);
+        m_pData[i] = codePoints[i] == Opaque ? *kept++ : static_cast<wchar_t>(codePoints[i]);
     }
     std::fill(m_pData + nCount, m_pData + m_nDataLen, L'\0');
 }
@@ -263,7 +263,7 @@ int CQWString::ReplaceAll(std::wstring_view oldText, std::wstring_view newText)
         return 0;
     }
     const wchar_t* pDstEnd = CopyReplaced(built.get(), text, oldText, newText);
-    OrvoAssert(pDstEnd - built.get() == nNewLen, "m_nDataLen == nDstStart", kSource);
+    OrvoAssert(pDstEnd - built.get() == nNewLen, "m_nDataLen == nDstStart", Source);
     if (bGrows) {
         delete[] m_pData;
         m_pData = built.release();
@@ -316,33 +316,33 @@ int CQWString::IsEndWithNoCase(const wchar_t* lpszSub) const
 
 void CQWString::ToString(int n)
 {
-    wchar_t buffer[kNumberSize];
+    wchar_t buffer[NumberSize];
     SetData(FormatNumber(n, 10, buffer));
 }
 
 void CQWString::ToString(unsigned int n)
 {
-    wchar_t buffer[kNumberSize];
+    wchar_t buffer[NumberSize];
     SetData(FormatNumber(n, 10, buffer));
 }
 
 void CQWString::ToStringEx(unsigned int n)
 {
-    wchar_t buffer[kNumberSize];
+    wchar_t buffer[NumberSize];
     SetData(FormatNumber(n, 16, buffer));
 }
 
 int CQWString::AppendNum(int n)
 {
-    wchar_t buffer[kNumberSize];
+    wchar_t buffer[NumberSize];
     return AppendData(FormatNumber(n, 10, buffer));
 }
 
 // Both are asserted, so a string without a buffer fails twice.
 bool CQWString::AssertNumber() const
 {
-    const bool bHasBuffer = OrvoAssert(m_pData != nullptr, "m_pData != NULL", kSource);
-    return OrvoAssert(m_nDataLen > 0, "m_nDataLen > 0", kSource) && bHasBuffer;
+    const bool bHasBuffer = OrvoAssert(m_pData != nullptr, "m_pData != NULL", Source);
+    return OrvoAssert(m_nDataLen > 0, "m_nDataLen > 0", Source) && bHasBuffer;
 }
 
 int CQWString::ToINT() const

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QDateTime>
+
+#include <cstdint>
+
+/// \file
+/// The arithmetic behind CSystemCall's time operations, apart from the clock that feeds it.
+/// Internal: not installed.
+
+namespace SystemTime
+{
+
+/// CSystemCall::GetCurrentTimeStamp() at \a moment: the multiplication wraps at 32 bits, the
+/// addition does not.
+inline unsigned long long WrappedStamp(const QDateTime& moment)
+{
+    const auto seconds = static_cast<std::uint32_t>(moment.toSecsSinceEpoch());
+    return static_cast<unsigned long long>(std::uint32_t{1000} * seconds) +
+           static_cast<unsigned>(moment.time().msec());
+}
+
+/// CSystemCall::GetCurrentTimeToInt() at the calendar fields of \a moment.
+inline int CoarseSeconds(const QDateTime& moment)
+{
+    const QDate date = moment.date();
+    const QTime time = moment.time();
+    constexpr std::int64_t year = 31536000;
+    constexpr std::int64_t month = 2592000;
+    constexpr std::int64_t day = 86400;
+    return static_cast<std::int32_t>((date.year() - 1970) * year + date.month() * month +
+                                     date.day() * day + time.hour() * 3600 + time.minute() * 60 +
+                                     time.second());
+}
+
+/// CSystemCall::GetSysTimeBymmSec() at \a time.
+inline int SecondInMilliseconds(const QTime& time)
+{
+    return time.second() * 1000 + time.msec() / 1000;
+}
+
+} // namespace SystemTime

@@ -1,0 +1,127 @@
+#include "AssertRecorder.h"
+
+#include <CQSString.h>
+#include <CQWString.h>
+#include <CSystemCall.h>
+#include <SystemTime.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <gtest/gtest.h>
+
+#include <type_traits>
+
+#include <unistd.h>
+
+TEST(SystemTime, CoarseSecondsCountMonthsAndDaysFromOne)
+{
+    const auto at = [](QDate date, QTime time) { return SystemTime::CoarseSeconds({date, time}); };
+    EXPECT_EQ(2678400, at(QDate(1970, 1, 1), QTime(0, 0, 0, 999)));
+    // (2012 - 1970) x 31536000 + 2 x 2592000 + 29 x 86400 + 13 x 3600 + 5 x 60 + 7
+    EXPECT_EQ(1332248707, at(QDate(2012, 2, 29), QTime(13, 5, 7)));
+    // 2170454400 - 2^32: the count wraps as 32 bits do.
+    EXPECT_EQ(-2124512896, at(QDate(2038, 10, 1), QTime(0, 0)));
+}
+
+TEST(SystemTime, StampWrapsTheProductButNotTheSum)
+{
+    const auto stampAt = [](qint64 msecs) {
+        return SystemTime::WrappedStamp(QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC));
+    };
+    EXPECT_EQ(4294967999U, stampAt(4294967999)) << "the largest product, and 999 in 64 bits";
+    EXPECT_EQ(704U + 1, stampAt(4294968001)) << "4294968000 - 2^32, and one millisecond";
+    EXPECT_EQ(59000, SystemTime::SecondInMilliseconds(QTime(23, 59, 59, 999)));
+}
+
+TEST(SystemCall, ClockOperationsFollowTheClock)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    EXPECT_NEAR(SystemTime::CoarseSeconds(now), CSystemCall::GetCurrentTimeToInt(), 5);
+    EXPECT_NEAR(static_cast<double>(now.toSecsSinceEpoch()), CSystemCall::GetCurrentTime(), 5);
+    EXPECT_LE(CSystemCall::GetCurrentTimeStamp() - SystemTime::WrappedStamp(now), 5000U);
+    EXPECT_EQ(0, CSystemCall::GetSysTimeBymmSec() % 1000);
+}
+
+TEST(SystemCall, FileSizesChangeUnitAboveAMegabyte)
+{
+    const struct {
+        unsigned int bytes;
+        double value;
+        const wchar_t* unit;
+        const wchar_t* shortUnit;
+    } rows[] = {{1023, 1023, L"B", L"B"},
+                {1024, 1, L"KB", L"K"},
+                {1048576, 1024, L"KB", L"K"},
+                {1048577, 1048577 / 1048576.0, L"MB", L"M"}};
+    for (const auto& row : rows) {
+        for (const bool shortUnit : {false, true}) {
+            double value = -1;
+            CQWString unit;
+            CSystemCall::FileSizeExchange(row.bytes, value, unit, shortUnit);
+            EXPECT_EQ(row.value, value);
+            EXPECT_EQ(0, unit.Compare(shortUnit ? row.shortUnit : row.unit)) << row.bytes;
+        }
+    }
+}
+
+TEST(SystemCall, ScreenAndInstallDiscNeedAnApplication)
+{
+    EXPECT_EQ(QGuiApplication::primaryScreen()->virtualGeometry().size(),
+              CSystemCall::GetScreenSizeInPixel());
+    EXPECT_EQ('/', CSystemCall::GetInstallDisc());
+    EXPECT_EXIT(
+        {
+            // main() owns the application; this process never gets back there.
+            QCoreApplication::instance()->~QCoreApplication();
+            const QSize size = CSystemCall::GetScreenSizeInPixel();
+            AssertRecorder recorder;
+            const unsigned short disc = CSystemCall::GetInstallDisc();
+            const bool asserted = recorder.Reports().size() == 1 &&
+                                  recorder.Reports()[0].Is("nIndex < m_nDataLen", "src/CQWString");
+            _exit(size == QSize(0, 0) && disc == 0 && asserted ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST(SystemCall, LaunchingAnswers1AndReturnsAtOnce)
+{
+    QElapsedTimer timer;
+    timer.start();
+    CQWString command;
+    for (const wchar_t* const text : {L"/bin/sleep \"60\"", L"/no/such/program", L"  "}) {
+        command.SetData(text);
+        EXPECT_EQ(1, CSystemCall::LaunchSysApp(&command));
+        EXPECT_EQ(1, CSystemCall::OpenFileByPhone(&command));
+    }
+    EXPECT_EQ(1, CSystemCall::LaunchSysApp(nullptr));
+    command.SetData(L"cat");
+    CQWString dir;
+    EXPECT_EQ(1, CSystemCall::LaunchAppByName(command, dir));
+    dir.SetData(L"/bin");
+    EXPECT_EQ(1, CSystemCall::LaunchAppByName(command, dir));
+    EXPECT_LT(timer.elapsed(), 20000) << "neither the sleeper nor the reader was waited for";
+}
+
+TEST(SystemCall, FixedResults)
+{
+    using S = CSystemCall;
+    CQWString text;
+    QString size = "kept";
+    EXPECT_EQ(8, S::OpenInfoWin(text, text) + S::OpenQueryWin(text, text) +
+                     S::OpenQueryWin(text, text, text, text) +
+                     S::OpenQueryWinEx(text, 0, text, text) + S::LaunchSysApp(0, nullptr) +
+                     S::OpenFileByPhone(0, nullptr) + S::MoveToSysDir(0, &text, &text, text) +
+                     S::OpenMemorySelDialog(0, text));
+    EXPECT_TRUE(S::IsClipBoardEmpty() && S::IsInTimespace(2, 1));
+    EXPECT_EQ(0, S::OpenResource(text) | S::LaunchAppByMIME(CQSString(), text) |
+                     S::GetMachineUID() | S::GetDefaultTextColorForSystemTheme());
+    EXPECT_EQ(0xFF0000, S::GetDefaultFrameColorForSystemTheme());
+    EXPECT_FALSE(S::ProcessIsExist(text) || S::IsQwertyKeyboardSupported());
+    S::GetFileSizeString(1.0, size, text, 1);
+    S::GetTextFromClipBoardL(text);
+    EXPECT_TRUE(text.IsEmpty() && size == "kept");
+    static_assert(std::has_virtual_destructor_v<S> && sizeof(S) == sizeof(void*));
+}
