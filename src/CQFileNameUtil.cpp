@@ -52,10 +52,8 @@ void CQFileNameUtil::ImageMIMETypesL(TImageMIMETypes& types)
     const QStringList formats = freshData.formats();
     for (const QString& format : formats) {
         if (IsImageType(format)) {
-            auto owned = std::make_unique<QString>(format);
-            list->append(*owned);
-            types.m_ownedStrings.append(owned.get());
-            owned.release();
+            types.m_ownedStrings.append(new QString(format));
+            list->append(*types.m_ownedStrings.last());
         }
     }
     types.m_pArray = list.release();

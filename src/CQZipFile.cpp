@@ -88,10 +88,9 @@ int CQZipFile::Open(wchar_t const* path)
     return m_pFile->open(QIODevice::ReadWrite) ? 1 : 0;
 }
 
-// Makes pFile the current file. Callers may count on a file of an earlier Open() being open still
-// (it keeps a lock, or a deleted file's space), so it lives on as a child of the new one. One that
-// is closed is not needed any more; its own child moves up, which keeps the chain as short as
-// the list of open files.
+// Makes pFile the current file. The one before it stays open, as callers know it, and becomes a
+// child of the new one. When it is closed already it goes, and only its own child moves up: the
+// chain never gets longer than the list of open files.
 void CQZipFile::Adopt(QFile* pFile)
 {
     if (m_pFile != nullptr && m_pFile->isOpen()) {
@@ -122,8 +121,8 @@ int CQZipFile::Read(QByteArray& data, wchar_t const* path)
     if (Open(path) == 0) {
         return 0;
     }
-    std::optional<QByteArray> block = BlockIn(m_pFile->readAll());
-    data = block.has_value() ? *std::move(block) : QByteArray();
+    const std::optional<QByteArray> block = BlockIn(m_pFile->readAll());
+    data = block.value_or(QByteArray());
     return block.has_value() ? 1 : 0;
 }
 

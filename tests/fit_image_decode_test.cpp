@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 
@@ -181,13 +182,10 @@ TEST_F(FitImageDecode, WiderImagesKeepTheirShape)
     decoder->SetScreenSize(QSize(48, 80));
     for (int width = 49; width < 500; width += 3) {
         for (int height = 1; height < 900; height += 7) {
-            const bool fillsWidth = width * 80 >= height * 48;
             QSize fit;
             decoder->GetFitScreenSize(QSize(width, height), fit);
-            ASSERT_EQ(fillsWidth ? 48 : 80, fillsWidth ? fit.width() : fit.height());
-            ASSERT_LE(std::abs(fillsWidth ? height * 48 / width - fit.height()
-                                          : width * 80 / height - fit.width()),
-                      1);
+            ASSERT_LE(std::abs(std::min(48, width * 80 / height) - fit.width()), 1);
+            ASSERT_LE(std::abs(std::min(80, height * 48 / width) - fit.height()), 1);
         }
     }
 }

@@ -13,6 +13,7 @@ namespace
 {
 
 using Notifications = DecodeRecorder::Notifications;
+using Formats = std::pair<int, int>;
 
 CQSString Bytes(QByteArray bytes)
 {
@@ -24,14 +25,14 @@ CQSString Bytes(QByteArray bytes)
 class ImageDecode : public testing::Test
 {
 protected:
-    // The formats of the image and of the mask, which the decoder gives up; -1 for none.
-    std::pair<int, int> TakeFormats()
+    // Takes both images and returns their formats; -1 for none.
+    Formats TakeFormats()
     {
         QImage* image = nullptr;
         QImage* mask = nullptr;
         EXPECT_EQ(1, decoder->GetImageFromPng(&image, &mask));
-        const std::unique_ptr<QImage> ownedImage(image);
-        const std::unique_ptr<QImage> ownedMask(mask);
+        const std::unique_ptr<QImage> owned[] = {std::unique_ptr<QImage>(image),
+                                                 std::unique_ptr<QImage>(mask)};
         return {image != nullptr ? image->format() : -1, mask != nullptr ? mask->format() : -1};
     }
 
@@ -47,36 +48,30 @@ protected:
     std::unique_ptr<CQImageDecode> decoder{CQImageDecode::NewL(enFormat_RGB16, &recorder)};
 };
 
-const std::pair noImages{-1, -1};
-
 } // namespace
 
 TEST_F(ImageDecode, EachOperationFillsItsSlotsAndNotifiesOnce)
 {
     EXPECT_EQ(1, decoder->DecodeImgFileL(&alphaPath, 1));
-    EXPECT_EQ(std::pair(int{enFormat_RGB16}, -1), TakeFormats());
+    EXPECT_EQ(Formats(enFormat_RGB16, -1), TakeFormats());
     EXPECT_EQ(1, decoder->DecodeImgFileL(&dir, &alphaName, 2));
-    EXPECT_EQ(std::pair(int{enFormat_ARGB32}, -1), TakeFormats());
+    EXPECT_EQ(Formats(enFormat_ARGB32, -1), TakeFormats());
     EXPECT_EQ(1, decoder->DecodePngFileL(&alphaPath, 3));
-    EXPECT_EQ(std::pair(int{enFormat_RGB16}, int{enFormat_Indexed8}), TakeFormats());
+    EXPECT_EQ(Formats(enFormat_RGB16, enFormat_Indexed8), TakeFormats());
     EXPECT_EQ(1, decoder->DecodePngFileL(&dir, &alphaName, 4));
-    EXPECT_EQ(std::pair(int{enFormat_ARGB32}, int{enFormat_Indexed8}), TakeFormats());
-    EXPECT_EQ(noImages, TakeFormats());
-    // Alpha is told for the last one only; buffers keep the id of the file before them.
+    EXPECT_EQ(Formats(enFormat_ARGB32, enFormat_Indexed8), TakeFormats());
     EXPECT_EQ(1, decoder->DecodeImgBufL(alphaBytes, anyFormat, 5));
-    EXPECT_EQ(1, decoder->DecodePngBufL(alphaBytes, 6));
-    EXPECT_EQ((Notifications{{1, 1, 0}, {1, 2, 0}, {1, 3, 0}, {1, 4, 1}, {1, 4, 0}, {1, 4, 0}}),
-              recorder.Take());
-    EXPECT_EQ(std::pair(int{enFormat_ARGB32}, int{enFormat_ARGB32}), TakeFormats());
-    EXPECT_TRUE(decoder->GetFileName() == alphaName);
-
-    // The PNG buffer leaves the image as it was, and an opaque picture tells no alpha.
-    decoder->DecodePngFileL(&dir, &plainName, 7);
-    decoder->DecodePngBufL(alphaBytes, 8);
-    EXPECT_EQ((Notifications{{1, 7, 0}, {1, 7, 0}}), recorder.Take());
-    const std::unique_ptr<QImage> image(decoder->GetImage());
-    EXPECT_EQ(QSize(3, 2), image->size());
+    EXPECT_EQ(Formats(enFormat_ARGB32, -1), TakeFormats());
     EXPECT_EQ(nullptr, decoder->GetImage());
+    // The PNG buffer leaves the image as it was.
+    EXPECT_EQ(1, decoder->DecodePngFileL(&dir, &plainName, 6));
+    EXPECT_EQ(1, decoder->DecodePngBufL(alphaBytes, 7));
+    EXPECT_EQ(Formats(enFormat_RGB32, enFormat_ARGB32), TakeFormats());
+    EXPECT_TRUE(decoder->GetFileName() == plainName);
+    // Alpha is told by one operation only, and buffers keep the id of the file before them.
+    EXPECT_EQ((Notifications{
+                  {1, 1, 0}, {1, 2, 0}, {1, 3, 0}, {1, 4, 1}, {1, 4, 0}, {1, 6, 0}, {1, 6, 0}}),
+              recorder.Take());
 }
 
 TEST_F(ImageDecode, RefusalsKeepTheImagesAndSayNothing)
@@ -104,8 +99,7 @@ TEST_F(ImageDecode, RefusalsKeepTheImagesAndSayNothing)
     EXPECT_EQ(0, decoder->GetImageFromPng(&image, nullptr));
     EXPECT_TRUE(recorder.Take().empty());
     EXPECT_TRUE(decoder->GetFileName() == plainPath);
-    EXPECT_EQ(std::pair(int{enFormat_RGB16}, int{enFormat_Indexed8}), TakeFormats());
-
+    EXPECT_EQ(Formats(enFormat_RGB16, enFormat_Indexed8), TakeFormats());
     // Only the whole path is the placeholder.
     CQWString path = files.Add("NoPic.BMP", Png(1, 1));
     EXPECT_EQ(1, decoder->DecodeImgFileL(&path, 3));
@@ -119,64 +113,51 @@ TEST_F(ImageDecode, WhatDoesNotDecodeIsANullImageAndIsAnnounced)
         // Signature and IHDR of a PNG of 60000 x 60000, CRC-32 by Python's zlib.
         QByteArray::fromHex("89504e470d0a1a0a0000000d49484452"
                             "0000ea600000ea6008020000000fb0e215")};
-    const std::pair nullImage{0, -1};
     for (const QByteArray& content : contents) {
-        CQWString path = files.Add("bad", content);
+        files.Add("bad", content);
         CQWString name(QStringLiteral("bad"));
         CQSString data = Bytes(content);
-        EXPECT_EQ(1, decoder->DecodeImgFileL(&path, 1));
-        EXPECT_EQ(nullImage, TakeFormats());
+        EXPECT_EQ(1, decoder->DecodePngFileL(&dir, &name, 1));
+        EXPECT_EQ(Formats(0, 0), TakeFormats());
         EXPECT_EQ(1, decoder->DecodeImgFileL(&dir, &name, 2));
-        EXPECT_EQ(nullImage, TakeFormats());
-        EXPECT_EQ(1, decoder->DecodePngFileL(&dir, &name, 3));
-        EXPECT_EQ(std::pair(0, 0), TakeFormats());
-        EXPECT_EQ(1, decoder->DecodeImgBufL(data, anyFormat, 4));
-        EXPECT_EQ(nullImage, TakeFormats());
-        EXPECT_EQ((Notifications{{1, 1, 0}, {1, 2, 0}, {1, 3, 0}, {1, 3, 0}}), recorder.Take());
+        EXPECT_EQ(1, decoder->DecodePngBufL(data, 3));
+        EXPECT_EQ((Notifications{{1, 1, 0}, {1, 2, 0}, {1, 2, 0}}), recorder.Take());
+        EXPECT_EQ(Formats(0, 0), TakeFormats());
     }
     // A file that cannot be opened: only the two-name form of the plain decode asserts.
     AssertRecorder assertions;
     CQWString missing(QStringLiteral("missing"));
-    EXPECT_EQ(1, decoder->DecodeImgFileL(&missing, 5));
     EXPECT_EQ(1, decoder->DecodePngFileL(&dir, &missing, 6));
+    EXPECT_EQ(1, decoder->DecodeImgFileL(&missing, 5));
     EXPECT_TRUE(assertions.Reports().empty());
     EXPECT_EQ(1, decoder->DecodeImgFileL(&dir, &missing, 7));
     ASSERT_EQ(1U, assertions.Reports().size());
     EXPECT_TRUE(assertions.Take().at(0).Is("0", "src/PrivateImageDecode_win32", 164));
-    EXPECT_EQ((Notifications{{1, 5, 0}, {1, 6, 0}, {1, 7, 0}}), recorder.Take());
-    EXPECT_EQ(std::pair(0, 0), TakeFormats());
+    EXPECT_EQ((Notifications{{1, 6, 0}, {1, 5, 0}, {1, 7, 0}}), recorder.Take());
+    EXPECT_EQ(Formats(0, 0), TakeFormats());
 }
 
 TEST_F(ImageDecode, OnlyRealDisplayModesConvert)
 {
-    for (const int mode :
-         {-1, 0, 1, QImage::NImageFormats - 1, int{QImage::NImageFormats}, INT_MAX}) {
+    const int count = QImage::NImageFormats;
+    for (const int mode : {-1, 0, 1, count - 1, count, INT_MAX}) {
         decoder.reset(CQImageDecode::NewL(mode, nullptr));
         EXPECT_EQ(1, decoder->DecodeImgFileL(&alphaPath, 1));
-        const bool isFormat = mode > 0 && mode < QImage::NImageFormats;
-        EXPECT_EQ(std::pair(isFormat ? mode : 0, -1), TakeFormats());
+        EXPECT_EQ(Formats(mode > 0 && mode < count ? mode : 0, -1), TakeFormats());
     }
 }
 
-TEST_F(ImageDecode, ItsOwnFileNameMayBeAnArgument)
+TEST_F(ImageDecode, ItsOwnFileNameMayBeAnArgumentAndTheNotifierMayDoAnything)
 {
-    decoder->DecodeImgFileL(&plainPath, 1);
-    EXPECT_EQ(1, decoder->DecodePngFileL(&decoder->GetFileName(), 2));
-    EXPECT_EQ(std::pair(int{enFormat_RGB16}, int{enFormat_Indexed8}), TakeFormats());
     decoder->GetFileName() = dir;
-    EXPECT_EQ(1, decoder->DecodePngFileL(&decoder->GetFileName(), &plainName, 3));
-    EXPECT_EQ(std::pair(int{enFormat_RGB32}, int{enFormat_Indexed8}), TakeFormats());
-    EXPECT_TRUE(decoder->GetFileName() == plainName);
-}
-
-TEST_F(ImageDecode, TheNotifierMayTakeDecodeAgainAndDestroy)
-{
     recorder.onDecoded = [this] {
-        EXPECT_EQ(int{enFormat_ARGB32}, TakeFormats().first);
-        EXPECT_EQ(1, decoder->DecodeImgFileL(&plainPath, 2));
+        EXPECT_EQ(enFormat_ARGB32, TakeFormats().first);
+        decoder->GetFileName() = plainPath;
+        EXPECT_EQ(1, decoder->DecodeImgFileL(&decoder->GetFileName(), 2));
     };
-    EXPECT_EQ(1, decoder->DecodePngFileL(&dir, &alphaName, 1));
+    EXPECT_EQ(1, decoder->DecodePngFileL(&decoder->GetFileName(), &alphaName, 1));
     EXPECT_EQ((Notifications{{1, 1, 1}, {1, 2, 0}}), recorder.Take());
+    EXPECT_EQ(Formats(enFormat_RGB16, -1), TakeFormats());
     recorder.onDecoded = [this] { decoder.reset(); };
     EXPECT_EQ(1, decoder->DecodePngFileL(&dir, &alphaName, 3));
 }
