@@ -13,8 +13,9 @@ class CQWString;
 /// Arguments may lie in the string's own buffer; the operation behaves as if they had been
 /// copied first. Null data is tolerated and ignored where nothing else is said.
 ///
-/// When memory cannot be had, an operation that makes a new buffer leaves an empty string and
-/// returns 0; the trims and Replace() leave the string unchanged. Nothing here throws.
+/// When memory cannot be had, or a length would pass 2^31 - 1, an operation that makes a new
+/// buffer leaves an empty string and returns 0; the conversions from CQWString, the trims,
+/// Replace() and ToHexString() leave the string unchanged. Nothing here throws.
 ///
 /// A plain value: one object must not be used from two threads at once.
 class ORVO_EXPORT CQSString
@@ -29,8 +30,9 @@ public:
     /// Takes over the buffer of \a other, which is left empty. There is no move assignment:
     /// assigning an empty string keeps the target's contents, see operator=().
     CQSString(CQSString&& other) noexcept;
-    /// The UTF-8 form of \a other. Characters beyond U+FFFF are kept, unlike in the
-    /// assignment. Wide text counts up to its first zero unit; when there is none before it,
+    /// The UTF-8 form of \a other, up to its first zero unit. Characters beyond U+FFFF are kept,
+    /// unlike in the assignment, and a pair of surrogate units is one of them; other surrogates
+    /// and units beyond U+10FFFF become '?'. Where nothing stands before the first zero unit,
     /// the result is that of the assignment.
     CQSString(const CQWString& other);
     virtual ~CQSString();
@@ -46,10 +48,11 @@ public:
     void AllocCopy(CQSString& dest, int nCopyLen, int nCopyIndex) const;
     /// Frees the buffer; length 0.
     void Empty();
-    /// Length of the C string \a lpszStr; 0 for null.
+    /// Length of the C string \a lpszStr, at most 2^31 - 1; 0 for null.
     static int SafeStrlen(const char* lpszStr);
 
-    // Setting. 1: the string was set. 0: nothing was done and the string is unchanged.
+    // Setting. 1: the string was set. 0: nothing was done and the string is unchanged (without
+    // memory see above).
 
     /// Copies \a nLen bytes from \a pData. 0 for null and for a length below 1.
     int SetData(unsigned char* pData, int nLen);
@@ -62,13 +65,13 @@ public:
     /// Copies \a other. Assigning an empty string leaves the old contents: callers rely on it,
     /// and use Empty() to clear.
     CQSString& operator=(const CQSString& other);
-    /// Sets the UTF-8 form of \a other, without characters beyond U+FFFF. An empty text leaves
-    /// the old contents.
+    /// Sets the UTF-8 form of \a other, without characters beyond U+FFFF. A text that gives no
+    /// bytes leaves the old contents, and so does want of memory.
     CQSString& operator=(const CQWString& other);
 
-    // Appending. 1: appended. 0: nothing was appended.
+    // Appending. 1: appended. 0: nothing was appended (without memory see above).
 
-    /// Appends one byte; 0 only without memory, which leaves the string empty.
+    /// Appends one byte, also a zero byte. Always 1 where there is memory.
     int AppendChar(char c);
     /// Appends a C string; 0 for null or an empty text.
     /// @{
@@ -153,12 +156,12 @@ public:
     /// Sets \a out to this string without its first (last) \a n bytes; negative counts as 0.
     /// Nothing happens when no byte would be left.
     /// @{
-    void TrimLeft(int n, CQSString& out);
-    void TrimRight(int n, CQSString& out);
+    void TrimLeft(int n, CQSString& out) const;
+    void TrimRight(int n, CQSString& out) const;
     /// @}
     /// Both at once; here \a out is emptied when no byte would be left. An empty string does
     /// nothing.
-    void TrimRightAndLeft(int nLeft, int nRight, CQSString& out);
+    void TrimRightAndLeft(int nLeft, int nRight, CQSString& out) const;
 
     // Changing the text
 
@@ -173,14 +176,16 @@ public:
     static void MakeLower(const char* lpszStart, int nLen);
     /// Replaces every occurrence of \a lpszOld, left to right without overlap; null \a lpszNew
     /// deletes them. When nothing is left the buffer is freed.
-    /// \return  number of replacements; 0 when nothing was done; -1 for null \a lpszOld.
+    /// \return  number of replacements; -1 for null \a lpszOld; 0 when nothing was done: an empty
+    ///          string (also with null), an empty \a lpszOld, equal texts, no occurrence.
     int Replace(const char* lpszOld, const char* lpszNew);
-    /// Removes bytes outside 0x20 to 0x7E in place. The byte that moves into the place of a
-    /// removed one is not looked at, so of a run every second one stays; and the byte at the new
-    /// length is not reset to zero. Stored nicknames depend on both.
+    /// Removes bytes outside 0x20 to 0x7E in place, without a new buffer. The byte that moves into
+    /// the place of a removed one is not looked at, so of a run every second one stays. The byte
+    /// at the new length is not reset to zero: the removed places hold the old last byte, and the
+    /// terminator stays at the old length. Callers rely on both.
     void FilterInvisibleChar();
 
-    // Tests: 1 or 0. Null asserts "lpszSub != NULL"; 0. Texts count up to their first zero byte.
+    // Tests: 1 or 0. Null asserts "lpszSub != NULL"; 0. An empty text gives 1.
 
     /// All four mind the case, also the two named NoCase: callers that want a case-blind test
     /// lower-case both texts first.
@@ -203,7 +208,7 @@ public:
     /// byte is '-', whatever lies between. An empty string asserts "m_pData != NULL" and
     /// "m_nLen > 0"; -1.
     int ToINT() const;
-    /// The same without a sign; 0 for an empty string.
+    /// The same without a sign: a '-' is not looked at. The same assertions; 0.
     unsigned int ToUINT() const;
     /// Value of all hexadecimal digits in the string, modulo 2^32; other bytes are skipped, so a
     /// prefix and separators do not matter. Asserts as ToINT(); -1.
@@ -211,8 +216,9 @@ public:
     /// Converts in place to the hexadecimal text of the number, as big-endian 16-bit units.
     ///
     /// Only the first byte is validated: 1 to 9, a to f, or A to F; else 0 and nothing changes.
-    /// A first letter takes the text as hexadecimal already and upper-cases its a to f; a first
-    /// digit parses it as a decimal number (0 when it is none).
+    /// A first letter takes the whole string as hexadecimal text already and upper-cases its a to
+    /// f. A first digit parses it, up to its first zero byte, as a decimal number; 0 is taken when
+    /// any other byte than a digit is among them, blanks too, or the number is beyond 64 bits.
     /// \return  1 when converted; 0 when refused, empty, or without memory.
     int ToHexString();
     /// 32-bit FNV-1a over the bytes of \a s with a final mix; the same on every platform.
@@ -221,6 +227,17 @@ public:
     void ToHashString(CQSString& out) const;
 
 private:
+    // Zero-terminated room for nLen bytes, otherwise not filled; null without memory.
+    static char* NewBuffer(long long nLen);
+    static char* NewCopy(const char* pData, long long nLen);
+    // Replaces the buffer and returns 1; null empties the string, 0. New buffers are made before
+    // the old one goes: arguments may lie in it, and clients see that the address has changed.
+    int Adopt(char* pFresh, long long nLen);
+    int Append(const char* pData, long long nLen);
+    void KeepRange(int nStartPos, int nEndPos);
+    bool AssertText() const;
+    int SetHexUnits(const char* pText, int nLen);
+
     char* m_pData; // m_nLen + 1 bytes from array new, or null
     int m_nLen;
 };

@@ -3,6 +3,10 @@
 #include "OrvoExport.h"
 
 #include <QString>
+#include <QStringView>
+
+#include <memory>
+#include <string_view>
 
 class CQSString;
 
@@ -41,7 +45,7 @@ public:
     /// also where surrogate pairs made fewer wide units; the surplus units are zero.
     CQWString(const QString& str);
     /// The UTF-8 text of \a other, up to its first zero byte, in correct 32-bit units, unlike the
-    /// assignment, whose packed result stays where there is nothing before a zero byte.
+    /// assignment. A text of nothing but a byte-order mark gives the assignment's result.
     CQWString(const CQSString& other);
     virtual ~CQWString();
 
@@ -105,9 +109,9 @@ public:
     /// As SetUTF8Data(), but 1 also when the text was refused; 0 only for null and a length below
     /// 1.
     int SetByteData(const unsigned char* pData, int nLen);
-    /// The text as zero-terminated UTF-16 in host order; units that are no code point become
-    /// U+FFFD. The string owns the result, which is valid until the string is next changed,
-    /// destroyed, or asked again. Null without memory.
+    /// The text as zero-terminated UTF-16 in host order, never null for an empty one. Surrogate
+    /// values are kept, units above U+10FFFF become U+FFFD. The string owns the result, which is
+    /// valid until the string is next changed, destroyed, or asked again. Null without memory.
     const unsigned short* WCharToUtf16() const;
 
     // Appending. 1: appended. 0: nothing was appended.
@@ -239,6 +243,25 @@ public:
     static int EncryptStrToInt(CQWString& s);
 
 private:
+    using Units = std::unique_ptr<wchar_t[]>;
+
+    static Units NewUnits(qint64 nCapacity);
+    qint64 CapacityFor(qint64 nLen) const;
+    bool MakeRoom(qint64 nLen, int nKeep, Units& replaced);
+    int Store(const void* pUnits, qint64 nLen);
+    int StoreCut(const void* pUnits, int nLen);
+    int StorePacked(const char* lpszUtf8, int nLen);
+    int Load(QStringView text);
+    int Append(const void* pUnits, qint64 nLen);
+
+    std::wstring_view View() const;
+    int Extract(CQWString& out, std::wstring_view start, std::wstring_view end, int nStart,
+                bool bKeepStart, bool bKeepEnd) const;
+    int ReplaceAll(std::wstring_view oldText, std::wstring_view newText);
+    void StoreMapped(const QString& mapped, std::wstring_view opaque);
+    bool AssertText() const;
+    bool AssertNumber() const;
+
     wchar_t* m_pData; // m_nMAXLen + 1 units from array new, or null
     int m_nDataLen;
     int m_nMAXLen;

@@ -24,12 +24,14 @@ public:
     /// wide units: two decoded characters share one wide unit. Clients rely on this packed
     /// layout. Bytes above the last unit are left alone, so callers zero \a pDst first.
     ///
-    /// Continuation bytes are masked, not validated; stray continuation bytes and leads of
-    /// four-byte sequences are skipped.
+    /// Continuation bytes are masked, not validated, and those that the terminator cuts off count
+    /// as zero bits. Stray continuation bytes and leads of four-byte sequences are skipped.
     /// \param nDstLen  capacity in characters. It is checked against a count that takes
-    ///                 \a nSrcLen steps through the text, so a multi-byte text asks for more
-    ///                 room than it fills. Decoding itself never writes more than
-    ///                 2 x \a nDstLen units, what fits in \a nDstLen wide units.
+    ///                 \a nSrcLen steps of one character each through the text; steps left at its
+    ///                 end count too, so a multi-byte text asks for more room than it fills. From
+    ///                 the first byte that is skipped in decoding nothing more is counted.
+    ///                 Decoding itself never writes more than 2 x \a nDstLen units, what fits in
+    ///                 \a nDstLen wide units.
     /// \param pSrc     text that ends with a zero byte, within or behind \a nSrcLen.
     /// \return         number of 16-bit units written, or -1.
     static int Utf82Unicode(wchar_t* pDst, int nDstLen, char* pSrc, int nSrcLen);
