@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace std::string_literals;
@@ -14,19 +15,13 @@ namespace
 
 constexpr char Untouched = '\x55';
 
-struct Encoded {
-    int result;
-    std::string bytes; // the whole destination, Untouched where nothing was written
-};
-
-Encoded Encode(std::vector<wchar_t> units, int capacity)
+// The result and behind it the whole destination, Untouched where nothing was written.
+std::pair<int, std::string> Encode(const std::vector<wchar_t>& units, int capacity)
 {
-    Encoded encoded{0, std::string(16, Untouched)};
-    const int before = capacity;
-    encoded.result = CStrConvertor::Unicode2Utf8(encoded.bytes.data(), capacity, units.data(),
-                                                 static_cast<int>(units.size()));
-    EXPECT_EQ(before, capacity);
-    return encoded;
+    std::string bytes(16, Untouched);
+    const int result = CStrConvertor::Unicode2Utf8(bytes.data(), capacity, units.data(),
+                                                   static_cast<int>(units.size()));
+    return {result, bytes};
 }
 
 std::string Padded(std::string bytes, size_t size = 16)
@@ -53,25 +48,11 @@ TEST(Unicode2Utf8, EncodesTheBasicPlaneAndDropsTheRest)
     };
     for (const auto& row : rows) {
         const int size = static_cast<int>(row.expected.size());
-        for (const int capacity : {size, size + 1, 16, INT_MAX}) {
-            const Encoded encoded = Encode(row.units, capacity);
-            EXPECT_EQ(size, encoded.result);
-            EXPECT_EQ(Padded(row.expected), encoded.bytes);
+        for (const int capacity : {size, size + 1, INT_MAX}) {
+            EXPECT_EQ(std::pair(size, Padded(row.expected)), Encode(row.units, capacity));
         }
-        EXPECT_EQ(-1, Encode(row.units, size - 1).result);
-        EXPECT_EQ(Padded(""), Encode(row.units, size - 1).bytes);
+        EXPECT_EQ(std::pair(-1, Padded("")), Encode(row.units, size - 1));
     }
-}
-
-TEST(Unicode2Utf8, RefusesNullAndNegativeLengths)
-{
-    char dst[4];
-    int capacity = 4;
-    EXPECT_EQ(-1, CStrConvertor::Unicode2Utf8(nullptr, capacity, L"a", 1));
-    EXPECT_EQ(-1, CStrConvertor::Unicode2Utf8(dst, capacity, nullptr, 0));
-    EXPECT_EQ(-1, CStrConvertor::Unicode2Utf8(dst, capacity, L"a", -1));
-    capacity = -1;
-    EXPECT_EQ(-1, CStrConvertor::Unicode2Utf8(dst, capacity, L"", 0));
 }
 
 // Two characters share one wide unit, low bytes first; callers rely on the packed layout.
@@ -113,11 +94,21 @@ TEST(Utf82Unicode, PacksSixteenBitUnitsAndMeasuresInSteps)
     }
 }
 
-TEST(Utf82Unicode, RefusesNullAndNegativeLengths)
+TEST(StrConvertor, RefusesNullAndNegativeLengths)
 {
-    char text[] = "a";
-    wchar_t dst[1];
-    EXPECT_EQ(-1, CStrConvertor::Utf82Unicode(nullptr, 1, text, 1));
-    EXPECT_EQ(-1, CStrConvertor::Utf82Unicode(dst, 1, nullptr, 0));
-    EXPECT_EQ(-1, CStrConvertor::Utf82Unicode(dst, 1, text, -1));
+    char utf8[] = "a";
+    wchar_t wide[] = L"a";
+    int room = 2;
+    int noRoom = -1;
+    for (const int result : {
+             CStrConvertor::Unicode2Utf8(nullptr, room, wide, 1),
+             CStrConvertor::Unicode2Utf8(utf8, room, nullptr, 0),
+             CStrConvertor::Unicode2Utf8(utf8, room, wide, -1),
+             CStrConvertor::Unicode2Utf8(utf8, noRoom, wide, 0),
+             CStrConvertor::Utf82Unicode(nullptr, 1, utf8, 1),
+             CStrConvertor::Utf82Unicode(wide, 1, nullptr, 0),
+             CStrConvertor::Utf82Unicode(wide, 1, utf8, -1),
+         }) {
+        EXPECT_EQ(-1, result);
+    }
 }
