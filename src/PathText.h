@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+
+/// Paths on their way from the client's texts to Qt.
+namespace PathText
+{
+
+/// \a path with every backslash replaced by a slash: clients may pass paths in the form of the
+/// old platform, where the file systems of this one take a backslash for part of a name.
+inline QString Slashed(QString path)
+{
+    return path.replace(QLatin1Char('\\'), QLatin1Char('/'));
+}
+
+/// The zero-terminated text of 32-bit units \a text, unit by unit; a null QString for null.
+/// Units beyond U+10FFFF become U+FFFD. QString::fromWCharArray() would take a leading U+FEFF,
+/// which may stand in a file name, for a byte-order mark.
+inline QString FromWide(const wchar_t* text)
+{
+    static_assert(sizeof(wchar_t) == 4);
+    QString result;
+    for (; text != nullptr && *text != 0; ++text) {
+        const auto unit = static_cast<char32_t>(*text);
+        if (unit > QChar::LastValidCodePoint) {
+            result += QChar(QChar::ReplacementCharacter);
+        } else if (QChar::requiresSurrogates(unit)) {
+            result += QChar(QChar::highSurrogate(unit));
+            result += QChar(QChar::lowSurrogate(unit));
+        } else {
+            result += QChar(static_cast<ushort>(unit));
+        }
+    }
+    return result;
+}
+
+/// FromWide() and Slashed() in one: the form in which wide paths reach Qt.
+inline QString SlashedFromWide(const wchar_t* path)
+{
+    return Slashed(FromWide(path));
+}
+
+} // namespace PathText
