@@ -1,0 +1,52 @@
+#pragma once
+
+#include "OrvoExport.h"
+
+#include <QObject>
+
+class CQActive;
+class CQSchedulerInstance;
+
+/// The process's active scheduler: runs the active objects that were added to it.
+///
+///     CQActiveScheduler::instance()->Add(new Saver);   // class Saver : public CQActive
+///
+/// It owns one worker thread, which polls the objects every 100 milliseconds, higher
+/// priorities first and in the order of Add() within one, and runs the ready ones. After each
+/// run it posts a CQSchedulerEvent to this object, which wakes the event loop of the thread
+/// that created the scheduler. A client that wants to know on that thread that an object has
+/// run installs an event filter on the scheduler.
+///
+/// Scheduler and worker live until the process ends. While static objects are destroyed the
+/// worker is at rest: exit() lets a run that has begun end first, but for at most two seconds.
+/// Objects with static storage that were made after the scheduler are destroyed before that,
+/// so RunL() must not depend on them. Once an application object has been destroyed, no more
+/// events are posted until there is another; the objects still run.
+class ORVO_EXPORT CQActiveScheduler : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Returns the scheduler; makes it and starts the worker on the first call, which must
+    /// be over before another thread can make one: call it on the main thread at start-up.
+    /// Not to be deleted.
+    static CQActiveScheduler* instance();
+
+    /// A scheduler with a worker of its own, already started. Clients use instance().
+    CQActiveScheduler();
+    /// Neither stops the worker nor frees what it uses, so it is not to be called.
+    ~CQActiveScheduler() override;
+
+    /// Has \a active polled from now on, for the life of the process; it is not owned. Null,
+    /// or a priority outside 0 to 4, is silently ignored. Any thread, and any RunL().
+    void Add(CQActive* active);
+
+    /// Returns true and does nothing, whatever \a e is: a notice only wakes the event loop.
+    /// Callers rely on every other event being swallowed too, so deleteLater() and queued
+    /// calls have no effect on the scheduler.
+    bool event(QEvent* e) override;
+
+private:
+    CQSchedulerInstance* m_pWorker;
+    static CQActiveScheduler* self;
+};

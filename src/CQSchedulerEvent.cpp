@@ -1,0 +1,5 @@
+#include "CQSchedulerEvent.h"
+
+CQSchedulerEvent::CQSchedulerEvent(CQActive* active) : QEvent(QEvent::User), m_pActive(active) {}
+
+CQSchedulerEvent::~CQSchedulerEvent() = default;
