@@ -1,10 +1,12 @@
 // What a client does with an account's data on disk, from end to end.
 //
 //     account_files [--root DIR] [--account NUMBER] [CONTACTS.tsv]
+//     account_files [--root DIR] [--account NUMBER] --messages
 //
 // It reads an address book (number, nickname, group and remark, separated by tabs), writes the
 // account's files below DIR where CQPath names them, appends an enciphered message log, reads
-// everything back and compares it with the source.
+// everything back and compares it with the source. The second form only deciphers the message
+// log and prints it.
 //
 // Exit codes: 0 all was found equal; 1 something could not be written or differs; 2 the
 // arguments or the address book are wrong, and nothing was written.
@@ -89,6 +91,7 @@ struct Options {
     CQSString root;
     unsigned int account;
     CQSString contacts;
+    bool listMessages;
 };
 
 struct Contact {
@@ -541,20 +544,27 @@ public:
 
     void Check(const std::vector<Contact>& contacts, unsigned int time)
     {
-        const std::vector<char> content = ReadFile(m_path, m_oldLength);
-        std::vector<unsigned char> rest(content.begin(), content.end());
-        unsigned char* record = rest.data();
-        unsigned char* const end = record + rest.size();
-        for (const Contact& contact : contacts) {
-            unsigned long size = 0;
-            if (end - record < 4 || (GetDWORD(size, record), size > size_t(end - record - 4)) ||
-                Decipher(record + 4, int(size)) != PlainRecord(contact, time)) {
-                ReportDifference(Bytes(m_path), "a message");
-            }
-            record += 4 + size;
+        const std::vector<Record> records = ReadRecords(m_oldLength);
+        const bool equal =
+            std::equal(records.begin(), records.end(), contacts.begin(), contacts.end(),
+                       [&](const Record& record, const Contact& contact) {
+                           return record == PlainRecord(contact, time);
+                       });
+        if (!equal) {
+            ReportDifference(Bytes(m_path), "a message");
         }
-        if (record != end) {
-            ReportDifference(Bytes(m_path), "the number of messages");
+    }
+
+    // One line a message: number, time and text.
+    void Print()
+    {
+        for (Record& record : ReadRecords(0)) {
+            unsigned long number = 0;
+            unsigned long time = 0;
+            GetDWORD(number, record.data());
+            GetDWORD(time, record.data() + 4);
+            std::printf("%lu\t%lu\t%.*s\n", number, time, int(record.size() - 8),
+                        reinterpret_cast<const char*>(record.data() + 8));
         }
     }
 
@@ -578,6 +588,31 @@ private:
         if (log.Open(m_widePath.GetDataPtr(), 2)) {
             log.SetSize(m_oldLength);
         }
+    }
+
+    std::vector<Record> ReadRecords(int from)
+    {
+        const std::vector<char> content = ReadFile(m_path, from);
+        std::vector<unsigned char> bytes(content.begin(), content.end());
+        std::vector<Record> records;
+        for (size_t position = 0; position < bytes.size();) {
+            unsigned long size = 0;
+            if (bytes.size() - position >= 4) {
+                GetDWORD(size, bytes.data() + position);
+                position += 4;
+            }
+            Record record;
+            if (size <= bytes.size() - position) {
+                record = Decipher(bytes.data() + position, int(size));
+            }
+            if (record.size() < 8) {
+                throw Failure{1, Bytes(m_path) + ": damaged near byte " +
+                                     std::to_string(size_t(from) + position)};
+            }
+            records.push_back(std::move(record));
+            position += size;
+        }
+        return records;
     }
 
     static Record PlainRecord(const Contact& contact, unsigned int time)
@@ -631,6 +666,13 @@ CQSString AccountDirectory(const Options& options)
     CQSString directory;
     CBaseUtil::FormatString(directory, "%s\\%u", options.root.GetDataPtr(), options.account);
     return directory;
+}
+
+CQSString LogPath(const Options& options)
+{
+    CQSString path;
+    CQPath::GetMsgFilePath(path, options.root.GetDataPtr(), options.account);
+    return path;
 }
 
 void MakeDirectory(const CQSString& path)
@@ -729,9 +771,7 @@ void Run(const Options& options)
     RequireMatch(lastLogOut, "the time",
                  [&] { return StreamSource(lastLogOut.StagedPath()).ReadNumber() == now; });
 
-    CQSString logPath;
-    CQPath::GetMsgFilePath(logPath, options.root.GetDataPtr(), options.account);
-    MessageLog log(logPath, options.account);
+    MessageLog log(LogPath(options), options.account);
     log.Append(contacts, now);
     log.Check(contacts, now);
 
@@ -771,8 +811,9 @@ Options ParseArguments(const QStringList& arguments)
     const QCommandLineOption root("root", "Directory for the account's files.", "DIR",
                                   "account-data");
     const QCommandLineOption account("account", "Number of the account.", "NUMBER", "10001");
+    const QCommandLineOption messages("messages", "Print the message log; write nothing.");
     const QCommandLineOption help = parser.addHelpOption();
-    parser.addOptions({root, account});
+    parser.addOptions({root, account, messages});
     parser.addPositionalArgument("CONTACTS.tsv", "Address book to start from.");
     if (!parser.parse(arguments)) {
         RefuseInput(parser.errorText().toStdString() + " See account_files --help.");
@@ -792,6 +833,7 @@ Options ParseArguments(const QStringList& arguments)
     options.account = ParseNumber(FromBytes(parser.value(account).toStdString()), "--account: ");
     options.contacts =
         FromBytes(files.isEmpty() ? ORVO_EXAMPLE_DATA "/contacts.tsv" : files[0].toStdString());
+    options.listMessages = parser.isSet(messages);
     return options;
 }
 
@@ -801,7 +843,12 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     try {
-        Run(ParseArguments(QCoreApplication::arguments()));
+        const Options options = ParseArguments(QCoreApplication::arguments());
+        if (options.listMessages) {
+            MessageLog(LogPath(options), options.account).Print();
+        } else {
+            Run(options);
+        }
     } catch (const Failure& failure) {
         std::fprintf(stderr, "account_files: %s\n", failure.text.c_str());
         return failure.exitCode;
