@@ -153,7 +153,7 @@ void CQWString::Destroy()
 void CQWString::Empty()
 {
     if (m_pData != nullptr) {
-        std::fill_n(m_pData, m_nDataLen, L'\0');
+        std::fill_n(m_pData, m_nDataLen + 1, L'\0');
         m_nDataLen = 0;
     }
 }
@@ -346,10 +346,11 @@ int CQWString::Find(wchar_t c) const
 int CQWString::Find(const wchar_t* lpszSub, int nStart) const
 {
     // Even an empty text is not found at the end.
-    if (!OrvoAssert(lpszSub != nullptr, "lpszSub != NULL", Source) || nStart >= m_nDataLen) {
+    const int start = std::max(nStart, 0);
+    if (!OrvoAssert(lpszSub != nullptr, "lpszSub != NULL", Source) || start >= m_nDataLen) {
         return -1;
     }
-    return ToIndex(View().find(lpszSub, ToStart(nStart)));
+    return ToIndex(View().find(lpszSub, static_cast<std::size_t>(start)));
 }
 
 int CQWString::Find(const wchar_t* lpszSub) const

@@ -81,16 +81,18 @@ int CQWString::SetData(QString& str)
 // UTF-8 in the packed layout
 
 // The count of 16-bit units is taken as one of wide units; the zeros behind the packed units
-// then end the text.
+// then end the text. The decoder goes by the terminator, which in a filtered byte string stands
+// far behind the length: the count can then exceed the wide units that there are.
 int CQWString::StorePacked(const char* lpszUtf8, int nLen)
 {
-    const Units scratch = NewUnits(nLen);
+    const Units scratch = NewUnits(qint64{nLen} + 1);
     if (scratch == nullptr) {
         return 0;
     }
+    const int nRoom = nLen + 1;
     const int nUnits =
-        CStrConvertor::Utf82Unicode(scratch.get(), nLen, const_cast<char*>(lpszUtf8), nLen);
-    return nUnits < 1 ? 1 : StoreCut(scratch.get(), nUnits);
+        CStrConvertor::Utf82Unicode(scratch.get(), nRoom, const_cast<char*>(lpszUtf8), nLen);
+    return nUnits < 1 ? 1 : StoreCut(scratch.get(), std::min(nUnits, nRoom));
 }
 
 CQWString& CQWString::operator=(const CQSString& other)

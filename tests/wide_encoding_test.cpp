@@ -73,6 +73,11 @@ TEST(WideEncoding, LegacySettersThatDecodeNothingLeaveTheText)
     // Bytes behind the count are not looked at: the lead byte's missing ones count as zero bits.
     EXPECT_EQ(1, s.SeASCIIData(Bytes("\xE4\xB8\xAD"), 1));
     EXPECT_STREQ(L"\u4000", s);
+    // A filtered byte string is read to its terminator, behind its length, and not beyond that.
+    CQSString filtered = ByteText("\1A\1B\1C\1D");
+    filtered.FilterInvisibleChar(); // ABCD and four more D
+    s = filtered;
+    EXPECT_EQ((std::wstring{0x00420041, 0x00440043, 0x00440044, 0x00440044}), s.GetDataPtr());
 }
 
 TEST(WideEncoding, OtherFormsGiveOneUnitACodePoint)

@@ -136,6 +136,9 @@ TEST(WideString, EmptyingAndAssigningKeepTheBufferWhileCopiesAreExact)
     ASSERT_EQ(buffer, s.GetDataPtr());
     EXPECT_EQ(0, std::memcmp(buffer, L"\0\0\0\0\0", 6 * sizeof(wchar_t)));
     EXPECT_EQ(nullptr, CQWString(s).GetDataPtr());
+    const_cast<wchar_t*>(buffer)[0] = L'x';
+    s.Empty();
+    EXPECT_EQ(0, *buffer) << "the unit at the length goes too";
     s = Text(L"abc");
     s.SetAt(1, 0);
     CQWString copy(s);
@@ -183,6 +186,7 @@ TEST(WideString, SearchesCountIn32BitUnits)
     EXPECT_EQ(0, s.Find(L'\U0001F600'));
     EXPECT_EQ(5, s.Find(L"", 5));
     EXPECT_EQ(-1, s.Find(L"", 6));
+    EXPECT_EQ(-1, CQWString(3).Find(L"", -1));
     EXPECT_EQ(2, s.FindBefore(L'b', 4));
     EXPECT_EQ(-1, s.FindBefore(L'b', 6));
     EXPECT_EQ(-1, s.FindBefore(L'b', -1));
