@@ -2,6 +2,7 @@
 
 #include "CQSString.h"
 #include "CStrConvertor.h"
+#include "TextUnits.h"
 
 #include <algorithm>
 #include <cstring>
@@ -151,7 +152,7 @@ int CQWString::SetByteData(const unsigned char* pData, int nLen)
 const unsigned short* CQWString::WCharToUtf16() const
 {
     delete[] m_pUtf16;
-    const std::wstring_view text = View();
+    const std::wstring_view text = View(*this);
     const auto nPairs =
         static_cast<std::size_t>(std::count_if(text.begin(), text.end(), NeedsPair));
     m_pUtf16 = new (std::nothrow) unsigned short[text.size() + nPairs + 1];
