@@ -246,12 +246,11 @@ int CQSString::Find(char c) const
 
 int CQSString::Find(char c, int nStart, int nEnd) const
 {
-    const int end = std::min(nEnd, m_nLen);
-    if (nStart < 0 || end <= nStart) {
+    if (nStart < 0 || nEnd <= nStart) {
         return -1;
     }
     const auto position = static_cast<std::size_t>(nStart);
-    return IndexOrNone(View(*this).substr(0, static_cast<std::size_t>(end)).find(c, position));
+    return IndexOrNone(View(*this).substr(0, static_cast<std::size_t>(nEnd)).find(c, position));
 }
 
 int CQSString::Find(const char* lpszSub, int nStart) const
