@@ -2,6 +2,7 @@
 
 #include "CStrConvertor.h"
 #include "OrvoAssert.h"
+#include "TextUnits.h"
 
 #include <QDateTime>
 
@@ -15,22 +16,6 @@ namespace
 {
 
 constexpr char source[] = "src/BaseUtil";
-
-/// Value of a hexadecimal digit, or -1.
-template <typename Unit>
-int HexDigit(Unit c)
-{
-    if (c >= '0' && c <= '9') {
-        return static_cast<int>(c - '0');
-    }
-    if (c >= 'a' && c <= 'f') {
-        return static_cast<int>(c - 'a') + 10;
-    }
-    if (c >= 'A' && c <= 'F') {
-        return static_cast<int>(c - 'A') + 10;
-    }
-    return -1;
-}
 
 bool IsSpace(char c)
 {

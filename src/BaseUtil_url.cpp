@@ -2,6 +2,7 @@
 
 #include "CQSString.h"
 #include "CQWString.h"
+#include "TextUnits.h"
 
 #include <cstring>
 #include <limits>
@@ -42,12 +43,6 @@ char* AppendHexOf(const char* first, char* last)
 bool IsEscaped(unsigned char byte)
 {
     return (byte >= 1 && byte <= 32) || (byte != 0 && std::strchr("?><%#\"", byte) != nullptr);
-}
-
-std::string_view View(const CQSString& s)
-{
-    return {s.GetDataPtr() != nullptr ? s.GetDataPtr() : "",
-            static_cast<std::size_t>(s.GetLength())};
 }
 
 /// The text between the "=" at or behind \a index and the next "&", else all behind \a index;

@@ -1,6 +1,7 @@
 #include "CQSString.h"
 
 #include "OrvoAssert.h"
+#include "TextUnits.h"
 
 #include <algorithm>
 #include <climits>
@@ -14,34 +15,10 @@ namespace
 
 constexpr char Source[] = "src/CQSString";
 
-std::string_view View(const CQSString& s)
-{
-    return {s.GetDataPtr(), static_cast<std::size_t>(s.GetLength())};
-}
-
-int IndexOrNone(std::size_t position)
-{
-    return position == std::string_view::npos ? -1 : static_cast<int>(position);
-}
-
 bool AssertIndex(int nIndex, int nLen)
 {
     return OrvoAssert(nIndex >= 0, "nIndex >= 0", Source) &&
            OrvoAssert(nIndex < nLen, "nIndex < m_nLen", Source);
-}
-
-// toupper() of the C locale, whatever locale the program has set.
-constexpr char AsciiUpper(char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-int CompareNoCaseText(std::string_view a, std::string_view b)
-{
-    const bool same = std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char left, char right) {
-        return AsciiUpper(left) == AsciiUpper(right);
-    });
-    return same ? 0 : -1;
 }
 
 } // namespace
@@ -243,7 +220,7 @@ bool CQSString::operator==(const CQSString& other) const
 
 int CQSString::CompareNoCase(CQSString& other) const
 {
-    return m_pData == nullptr ? -1 : CompareNoCaseText(View(*this), View(other));
+    return m_pData != nullptr && EqualNoCase(View(*this), View(other)) ? 0 : -1;
 }
 
 int CQSString::CompareNoCase(char* lpszStr) const
@@ -253,7 +230,8 @@ int CQSString::CompareNoCase(char* lpszStr) const
 
 int CQSString::CompareNoCase(const char* lpszStr) const
 {
-    return m_pData == nullptr || lpszStr == nullptr ? -1 : CompareNoCaseText(View(*this), lpszStr);
+    const bool isText = m_pData != nullptr && lpszStr != nullptr;
+    return isText && EqualNoCase<char>(View(*this), lpszStr) ? 0 : -1;
 }
 
 int CQSString::Find(char c, int nStart) const
@@ -268,12 +246,11 @@ int CQSString::Find(char c) const
 
 int CQSString::Find(char c, int nStart, int nEnd) const
 {
-    const int end = std::min(nEnd, m_nLen);
-    if (nStart < 0 || end <= nStart) {
+    if (nStart < 0 || nEnd <= nStart) {
         return -1;
     }
     const auto position = static_cast<std::size_t>(nStart);
-    return IndexOrNone(View(*this).substr(0, static_cast<std::size_t>(end)).find(c, position));
+    return IndexOrNone(View(*this).substr(0, static_cast<std::size_t>(nEnd)).find(c, position));
 }
 
 int CQSString::Find(const char* lpszSub, int nStart) const

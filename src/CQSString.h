@@ -2,6 +2,8 @@
 
 #include "OrvoExport.h"
 
+#include <cstddef>
+
 class CQWString;
 
 /// Counted byte string: ASCII, UTF-8 or arbitrary bytes, zero bytes included.
@@ -26,6 +28,7 @@ public:
     /// A string of \a nLen zero bytes: length \a nLen, not an empty string with room for them.
     /// A negative \a nLen counts as 0.
     CQSString(int nLen);
+    /// A copy with a buffer of its own.
     CQSString(const CQSString& other);
     /// Takes over the buffer of \a other, which is left empty. There is no move assignment:
     /// assigning an empty string keeps the target's contents, see operator=().
@@ -83,11 +86,15 @@ public:
 
     // Access
 
+    /// Number of bytes, without the terminator.
     int GetLength() const;
+    /// Whether the length is 0.
     bool IsEmpty() const;
-    /// The bytes, zero-terminated; null when there is no buffer.
+    /// The bytes, zero-terminated; null when there is no buffer. Valid until the next change.
+    /// @{
     const char* GetDataPtr() const;
     operator const char*() const;
+    /// @}
     /// The byte at \a nIndex. Asserts "nIndex >= 0" and "nIndex < m_nLen"; outside, 0.
     /// @{
     char GetAt(int nIndex) const;
@@ -113,18 +120,23 @@ public:
 
     // Searching. The result is an index into the whole string, or -1.
 
-    /// First \a c at or after \a nStart. -1 when \a nStart is outside the string.
+    /// First \a c at or after \a nStart, or in the whole string. -1 when \a nStart is outside it.
+    /// @{
     int Find(char c, int nStart) const;
     int Find(char c) const;
+    /// @}
     /// First \a c in [nStart, nEnd), the end clipped to the length.
     int Find(char c, int nStart, int nEnd) const;
     /// First occurrence of the C string \a lpszSub at or after \a nStart; an empty one is found
     /// at \a nStart. A negative start counts as 0. Null asserts "lpszSub != NULL"; -1.
+    /// @{
     int Find(const char* lpszSub, int nStart) const;
     int Find(const char* lpszSub) const;
+    /// @}
     /// Last \a c at or before \a nStart. -1 when \a nStart is outside the string.
     int FindBefore(char c, int nStart) const;
-    /// First byte at or after \a nStart that is no blank (see TrimLeft()).
+    /// First byte at or after \a nStart that is no blank (see TrimLeft()). -1 when \a nStart is
+    /// outside the string.
     int FindFirstValidChar(int nStart) const;
 
     // Substrings
@@ -139,10 +151,12 @@ public:
     /// \return  index at which the extracted text begins, or -1: a delimiter is missing or null,
     ///          nothing follows the first one, or \a nStart is not at least two bytes before the
     ///          end. An empty string asserts "m_pData != NULL && m_nLen > 0".
+    /// @{
     int GetSubString(CQSString& out, const char* lpszStart, const char* lpszEnd, int nStart,
                      bool bKeepStart, bool bKeepEnd) const;
     int GetSubString(CQSString& out, char cStart, char cEnd, int nStart, bool bKeepStart,
                      bool bKeepEnd) const;
+    /// @}
 
     // Trimming. Blanks are line feed, carriage return, space and tab, and nothing else.
 
@@ -234,8 +248,9 @@ private:
     // the old one goes: arguments may lie in it, and clients see that the address has changed.
     int Adopt(char* pFresh, long long nLen);
     int Append(const char* pData, long long nLen);
-    void KeepRange(int nStartPos, int nEndPos);
+    void KeepRange(std::size_t nStartPos, std::size_t nEndPos);
     bool AssertText() const;
+    bool AssertNumber() const;
     int SetHexUnits(const char* pText, int nLen);
 
     char* m_pData; // m_nLen + 1 bytes from array new, or null

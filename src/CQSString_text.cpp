@@ -4,6 +4,7 @@
 #include "CQSString.h"
 
 #include "OrvoAssert.h"
+#include "TextUnits.h"
 
 #include <algorithm>
 #include <charconv>
@@ -17,27 +18,7 @@ namespace
 
 constexpr char Source[] = "src/CQSString";
 
-std::string_view View(const CQSString& s)
-{
-    return {s.GetDataPtr(), static_cast<std::size_t>(s.GetLength())};
-}
-
-constexpr bool IsBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
-// Index of the first byte that is no blank; the length when there is none.
-int FirstNonBlank(std::string_view text)
-{
-    return static_cast<int>(std::find_if_not(text.begin(), text.end(), IsBlank) - text.begin());
-}
-
-// One past the last byte that is no blank; 0 when there is none.
-int EndOfNonBlanks(std::string_view text)
-{
-    return static_cast<int>(text.rend() - std::find_if_not(text.rbegin(), text.rend(), IsBlank));
-}
+constexpr std::string_view Blanks = "\n\r \t";
 
 // Latin-1 case pairs lie 0x20 apart. Multiplication and division sign (0xD7, 0xF7) stand among
 // the letters without being any; micro sign, sharp s and y with diaeresis have no upper case
@@ -54,27 +35,6 @@ constexpr char Latin1Lower(char c)
     const auto b = static_cast<unsigned char>(c);
     const bool isUpper = (b >= 'A' && b <= 'Z') || (b >= 0xC0 && b <= 0xDE && b != 0xD7);
     return isUpper ? static_cast<char>(b + 0x20) : c;
-}
-
-constexpr bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-constexpr bool IsHexLetter(char c)
-{
-    return (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
-// Value of the digits at the end of `text`, modulo 2^32.
-std::uint32_t TrailingDecimal(std::string_view text)
-{
-    std::uint32_t value = 0;
-    std::uint32_t place = 1;
-    for (auto it = text.rbegin(); it != text.rend() && IsDigit(*it); ++it, place *= 10) {
-        value += place * static_cast<std::uint32_t>(*it - '0');
-    }
-    return value;
 }
 
 // Value of the decimal number that makes up the whole text before any zero byte; 0 when that is
@@ -102,63 +62,14 @@ std::uint32_t HashOf(std::string_view text)
     return h;
 }
 
-int CountOccurrences(std::string_view text, std::string_view sub)
-{
-    int count = 0;
-    for (std::size_t at = text.find(sub); at != std::string_view::npos;
-         at = text.find(sub, at + sub.size())) {
-        ++count;
-    }
-    return count;
-}
-
-char* Put(char* p, std::string_view text)
-{
-    return std::copy(text.begin(), text.end(), p);
-}
-
-// Writes `text` with every `oldText` replaced and returns the place behind it.
-char* PutReplaced(char* p, std::string_view text, std::string_view oldText,
-                  std::string_view newText)
-{
-    std::size_t from = 0;
-    for (std::size_t at = text.find(oldText); at != std::string_view::npos;
-         at = text.find(oldText, from)) {
-        p = Put(p, text.substr(from, at - from));
-        p = Put(p, newText);
-        from = at + oldText.size();
-    }
-    return Put(p, text.substr(from));
-}
-
-// Both forms of the delimited GetSubString().
-int CopyBetween(const CQSString& source, CQSString& out, std::string_view startMark,
-                std::string_view endMark, int nStart, bool bKeepStart, bool bKeepEnd)
-{
-    const int start = std::max(nStart, 0);
-    if (start >= source.GetLength() - 1) {
-        return -1;
-    }
-    const std::string_view text = View(source);
-    const std::size_t at = text.find(startMark, static_cast<std::size_t>(start));
-    if (at == std::string_view::npos) {
-        return -1;
-    }
-    const std::size_t inside = at + startMark.size();
-    // An empty end mark would be found behind the last byte too, where nothing may match.
-    const std::size_t end = inside < text.size() ? text.find(endMark, inside) : text.npos;
-    if (end == std::string_view::npos) {
-        return -1;
-    }
-    const std::size_t first = bKeepStart ? at : inside;
-    const std::size_t last = bKeepEnd ? end + endMark.size() : end;
-    source.AllocCopy(out, static_cast<int>(last - first), static_cast<int>(first));
-    return static_cast<int>(first);
-}
-
 } // namespace
 
 // Substrings
+
+bool CQSString::AssertText() const
+{
+    return OrvoAssert(m_pData != nullptr && m_nLen > 0, "m_pData != NULL && m_nLen > 0", Source);
+}
 
 void CQSString::GetSubString(CQSString& out, int nFirst, int nCount) const
 {
@@ -171,8 +82,7 @@ void CQSString::GetSubString(CQSString& out, int nFirst, int nCount) const
 int CQSString::GetSubString(CQSString& out, const char* lpszStart, const char* lpszEnd, int nStart,
                             bool bKeepStart, bool bKeepEnd) const
 {
-    OrvoAssert(m_nLen > 0, "m_pData != NULL && m_nLen > 0", Source);
-    if (lpszStart == nullptr || lpszEnd == nullptr) {
+    if (!AssertText() || lpszStart == nullptr || lpszEnd == nullptr) {
         return -1;
     }
     return CopyBetween(*this, out, lpszStart, lpszEnd, nStart, bKeepStart, bKeepEnd);
@@ -181,7 +91,9 @@ int CQSString::GetSubString(CQSString& out, const char* lpszStart, const char* l
 int CQSString::GetSubString(CQSString& out, char cStart, char cEnd, int nStart, bool bKeepStart,
                             bool bKeepEnd) const
 {
-    OrvoAssert(m_nLen > 0, "m_pData != NULL && m_nLen > 0", Source);
+    if (!AssertText()) {
+        return -1;
+    }
     return CopyBetween(*this, out, {&cStart, 1}, {&cEnd, 1}, nStart, bKeepStart, bKeepEnd);
 }
 
@@ -190,43 +102,35 @@ int CQSString::FindFirstValidChar(int nStart) const
     if (nStart < 0 || nStart >= m_nLen) {
         return -1;
     }
-    const int index = nStart + FirstNonBlank(View(*this).substr(static_cast<std::size_t>(nStart)));
-    return index < m_nLen ? index : -1;
+    return IndexOrNone(View(*this).find_first_not_of(Blanks, static_cast<std::size_t>(nStart)));
 }
 
 // Trimming
 
-void CQSString::KeepRange(int nStartPos, int nEndPos)
+void CQSString::KeepRange(std::size_t nStartPos, std::size_t nEndPos)
 {
-    char* const pFresh = NewCopy(m_pData + nStartPos, nEndPos - nStartPos);
+    if (nStartPos >= nEndPos) {
+        Empty();
+        return;
+    }
+    const auto nKept = static_cast<long long>(nEndPos - nStartPos);
+    char* const pFresh = NewCopy(m_pData + nStartPos, nKept);
     if (pFresh != nullptr) {
-        Adopt(pFresh, nEndPos - nStartPos);
+        Adopt(pFresh, nKept);
     }
 }
 
 void CQSString::TrimLeft()
 {
-    if (m_nLen < 1) {
-        return;
-    }
-    const int start = FirstNonBlank(View(*this));
-    if (start == m_nLen) {
-        Empty();
-    } else {
-        KeepRange(start, m_nLen);
+    if (m_nLen > 0) {
+        KeepRange(View(*this).find_first_not_of(Blanks), static_cast<std::size_t>(m_nLen));
     }
 }
 
 void CQSString::TrimRight()
 {
-    if (m_nLen < 1) {
-        return;
-    }
-    const int end = EndOfNonBlanks(View(*this));
-    if (end == 0) {
-        Empty();
-    } else {
-        KeepRange(0, end);
+    if (m_nLen > 0) {
+        KeepRange(0, View(*this).find_last_not_of(Blanks) + 1);
     }
 }
 
@@ -235,13 +139,10 @@ void CQSString::TrimRightAndLeft()
     if (m_nLen < 1) {
         return;
     }
-    const int start = FirstNonBlank(View(*this));
-    const int end = EndOfNonBlanks(View(*this));
-    if (end == 0) {
-        Empty();
-    } else if (OrvoAssert(end >= start, "nEndPos >= nStartPos", Source)) {
-        KeepRange(start, end);
-    }
+    const std::size_t nStartPos = View(*this).find_first_not_of(Blanks);
+    const std::size_t nEndPos = View(*this).find_last_not_of(Blanks) + 1;
+    OrvoAssert(nEndPos >= nStartPos || nEndPos == 0, "nEndPos >= nStartPos", Source);
+    KeepRange(nStartPos, nEndPos);
 }
 
 void CQSString::TrimLeft(int n, CQSString& out) const
@@ -273,7 +174,7 @@ void CQSString::TrimRightAndLeft(int nLeft, int nRight, CQSString& out) const
 
 void CQSString::MakeUpper()
 {
-    if (OrvoAssert(m_nLen > 0, "m_pData != NULL && m_nLen > 0", Source)) {
+    if (AssertText()) {
         std::transform(m_pData, m_pData + m_nLen, m_pData, Latin1Upper);
     }
 }
@@ -390,7 +291,7 @@ void CQSString::UToString(unsigned int n)
     SetData(text);
 }
 
-bool CQSString::AssertText() const
+bool CQSString::AssertNumber() const
 {
     const bool hasBuffer = OrvoAssert(m_pData != nullptr, "m_pData != NULL", Source);
     const bool hasBytes = OrvoAssert(m_nLen > 0, "m_nLen > 0", Source);
@@ -399,29 +300,24 @@ bool CQSString::AssertText() const
 
 int CQSString::ToINT() const
 {
-    if (!AssertText()) {
-        return -1;
-    }
-    const std::uint32_t value = TrailingDecimal(View(*this));
-    return static_cast<int>(m_pData[0] == '-' ? 0U - value : value);
+    return AssertNumber() ? SignedTrailingNumber(View(*this), 10) : -1;
 }
 
 unsigned int CQSString::ToUINT() const
 {
-    return AssertText() ? TrailingDecimal(View(*this)) : 0U;
+    return AssertNumber() ? TrailingNumber(View(*this), 10) : 0U;
 }
 
 int CQSString::ToHEX() const
 {
-    if (!AssertText()) {
+    if (!AssertNumber()) {
         return -1;
     }
     std::uint32_t value = 0;
     for (const char c : View(*this)) {
-        if (IsDigit(c)) {
-            value = value << 4 | static_cast<std::uint32_t>(c - '0');
-        } else if (IsHexLetter(c)) {
-            value = value << 4 | static_cast<std::uint32_t>((c | 0x20) - 'a' + 10);
+        const int digit = HexDigit(c);
+        if (digit >= 0) {
+            value = value << 4 | static_cast<std::uint32_t>(digit);
         }
     }
     return static_cast<int>(value);
@@ -436,7 +332,7 @@ int CQSString::SetHexUnits(const char* pText, int nLen)
     }
     for (std::ptrdiff_t i = 0; i < nLen; ++i) {
         pFresh[2 * i] = '\0';
-        pFresh[2 * i + 1] = IsHexLetter(pText[i]) ? Latin1Upper(pText[i]) : pText[i];
+        pFresh[2 * i + 1] = HexDigit(pText[i]) >= 0 ? AsciiUpper(pText[i]) : pText[i];
     }
     return Adopt(pFresh, nUnitBytes);
 }
@@ -444,12 +340,12 @@ int CQSString::SetHexUnits(const char* pText, int nLen)
 int CQSString::ToHexString()
 {
     // Callers rely on the first byte alone deciding.
-    const char first = m_nLen > 0 ? m_pData[0] : '\0';
-    if (IsHexLetter(first)) {
-        return SetHexUnits(m_pData, m_nLen);
-    }
-    if (!IsDigit(first) || first == '0') {
+    const int first = m_nLen > 0 ? HexDigit(m_pData[0]) : -1;
+    if (first < 1) {
         return 0;
+    }
+    if (first >= 10) {
+        return SetHexUnits(m_pData, m_nLen);
     }
     char text[16];
     const char* const end =

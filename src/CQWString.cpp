@@ -1,8 +1,10 @@
 #include "CQWString.h"
 
 #include "OrvoAssert.h"
+#include "TextUnits.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
 #include <cwchar>
 #include <new>
@@ -14,22 +16,12 @@ namespace
 constexpr char Source[] = "src/CQWString";
 
 // A buffer has to fit a 32-bit host, so that every host refuses the same lengths.
-constexpr qint64 MaxCapacity = 0x7FFFFFFF / sizeof(wchar_t) - 1;
+constexpr qint64 MaxCapacity = INT_MAX / sizeof(wchar_t) - 1;
 
-int ToIndex(std::size_t nPosition)
+bool AssertIndex(int nIndex, int nLen)
 {
-    return nPosition == std::wstring_view::npos ? -1 : static_cast<int>(nPosition);
-}
-
-std::size_t ToStart(int nStart)
-{
-    return static_cast<std::size_t>(std::max(nStart, 0));
-}
-
-// The C library's toupper in the default locale, whatever the process has set since.
-wchar_t ToAsciiUpper(wchar_t c)
-{
-    return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - (L'a' - L'A')) : c;
+    return OrvoAssert(nIndex >= 0, "nIndex >= 0", Source) &&
+           OrvoAssert(nIndex < nLen, "nIndex < m_nDataLen", Source);
 }
 
 } // namespace
@@ -153,7 +145,7 @@ void CQWString::Destroy()
 void CQWString::Empty()
 {
     if (m_pData != nullptr) {
-        std::fill_n(m_pData, m_nDataLen, L'\0');
+        std::fill_n(m_pData, m_nDataLen + 1, L'\0');
         m_nDataLen = 0;
     }
 }
@@ -163,7 +155,7 @@ int CQWString::SafeStrlen(const wchar_t* lpszStr)
     if (lpszStr == nullptr) {
         return 0;
     }
-    return static_cast<int>(std::min<std::size_t>(std::wcslen(lpszStr), 0x7FFFFFFF));
+    return static_cast<int>(std::min<std::size_t>(std::wcslen(lpszStr), INT_MAX));
 }
 
 void CQWString::AllocCopy(CQWString& dest, int nCopyLen, int nCopyIndex) const
@@ -280,18 +272,9 @@ CQWString::operator const wchar_t*() const
     return m_pData;
 }
 
-std::wstring_view CQWString::View() const
-{
-    return {m_pData, static_cast<std::size_t>(m_nDataLen)};
-}
-
 wchar_t CQWString::GetAt(int nIndex) const
 {
-    if (!OrvoAssert(nIndex >= 0, "nIndex >= 0", Source) ||
-        !OrvoAssert(nIndex < m_nDataLen, "nIndex < m_nDataLen", Source)) {
-        return 0;
-    }
-    return m_pData[nIndex];
+    return AssertIndex(nIndex, m_nDataLen) ? m_pData[nIndex] : L'\0';
 }
 
 wchar_t CQWString::operator[](int nIndex) const
@@ -301,8 +284,7 @@ wchar_t CQWString::operator[](int nIndex) const
 
 void CQWString::SetAt(int nIndex, wchar_t c)
 {
-    if (OrvoAssert(nIndex >= 0, "nIndex >= 0", Source) &&
-        OrvoAssert(nIndex < m_nDataLen, "nIndex < m_nDataLen", Source)) {
+    if (AssertIndex(nIndex, m_nDataLen)) {
         m_pData[nIndex] = c;
     }
 }
@@ -324,18 +306,15 @@ bool CQWString::operator==(const CQWString& other) const
 
 int CQWString::CompareNoCase(const wchar_t* lpszStr) const
 {
-    if (lpszStr == nullptr || m_pData == nullptr || SafeStrlen(lpszStr) != m_nDataLen) {
-        return -1;
-    }
-    const auto sameLetter = [](wchar_t a, wchar_t b) { return ToAsciiUpper(a) == ToAsciiUpper(b); };
-    return std::equal(m_pData, m_pData + m_nDataLen, lpszStr, sameLetter) ? 0 : -1;
+    const bool isText = m_pData != nullptr && lpszStr != nullptr;
+    return isText && EqualNoCase<wchar_t>(View(*this), lpszStr) ? 0 : -1;
 }
 
 // Searching
 
 int CQWString::Find(wchar_t c, int nStart) const
 {
-    return ToIndex(View().find(c, ToStart(nStart)));
+    return IndexOrNone(View(*this).find(c, static_cast<std::size_t>(std::max(nStart, 0))));
 }
 
 int CQWString::Find(wchar_t c) const
@@ -346,10 +325,11 @@ int CQWString::Find(wchar_t c) const
 int CQWString::Find(const wchar_t* lpszSub, int nStart) const
 {
     // Even an empty text is not found at the end.
-    if (!OrvoAssert(lpszSub != nullptr, "lpszSub != NULL", Source) || nStart >= m_nDataLen) {
+    const int start = std::max(nStart, 0);
+    if (!OrvoAssert(lpszSub != nullptr, "lpszSub != NULL", Source) || start >= m_nDataLen) {
         return -1;
     }
-    return ToIndex(View().find(lpszSub, ToStart(nStart)));
+    return IndexOrNone(View(*this).find(lpszSub, static_cast<std::size_t>(start)));
 }
 
 int CQWString::Find(const wchar_t* lpszSub) const
@@ -362,12 +342,12 @@ int CQWString::FindBefore(wchar_t c, int nStart) const
     if (nStart < 0 || nStart >= m_nDataLen) {
         return -1;
     }
-    return ToIndex(View().rfind(c, ToStart(nStart)));
+    return IndexOrNone(View(*this).rfind(c, static_cast<std::size_t>(nStart)));
 }
 
 int CQWString::FindofLast(wchar_t c) const
 {
-    return ToIndex(View().rfind(c));
+    return IndexOrNone(View(*this).rfind(c));
 }
 
 void CQWString::GetSubString(CQWString& out, int nFirst, int nCount) const

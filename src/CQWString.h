@@ -37,6 +37,7 @@ public:
     /// An empty string with room for \a nLen units, unlike CQSString(int). A negative \a nLen
     /// counts as 0.
     CQWString(int nLen);
+    /// A copy with a buffer of exactly its length; without one for an empty \a other.
     CQWString(const CQWString& other);
     /// Takes over the buffer of \a other, which is left without one. There is no move
     /// assignment: assigning an empty string keeps the target's buffer, see operator=().
@@ -128,11 +129,15 @@ public:
 
     // Access
 
+    /// Number of units, without the terminator.
     int GetLength() const;
+    /// Whether the length is 0.
     bool IsEmpty() const;
-    /// The units, zero-terminated; null when there is no buffer.
+    /// The units, zero-terminated; null when there is no buffer. Valid until the next change.
+    /// @{
     const wchar_t* GetDataPtr() const;
     operator const wchar_t*() const;
+    /// @}
     /// The unit at \a nIndex. Asserts "nIndex >= 0" and "nIndex < m_nDataLen"; outside, 0.
     /// @{
     wchar_t GetAt(int nIndex) const;
@@ -156,15 +161,20 @@ public:
     // Searching. The result is an index into the whole string, or -1. A negative start counts as
     // 0, but for FindBefore(). Case counts, and all is done on 32-bit units.
 
+    /// First \a c at or after \a nStart, or in the whole string.
+    /// @{
     int Find(wchar_t c, int nStart) const;
     int Find(wchar_t c) const;
-    /// An empty \a lpszSub is found at the start. Null asserts "lpszSub != NULL"; -1.
+    /// @}
+    /// First occurrence of \a lpszSub; an empty one is found at the start, unless that is at or
+    /// behind the end. Null asserts "lpszSub != NULL"; -1.
     /// @{
     int Find(const wchar_t* lpszSub, int nStart) const;
     int Find(const wchar_t* lpszSub) const;
     /// @}
     /// Last \a c at or before \a nStart. -1 when \a nStart is outside the string.
     int FindBefore(wchar_t c, int nStart) const;
+    /// Last \a c in the whole string.
     int FindofLast(wchar_t c) const;
 
     // Substrings
@@ -179,10 +189,12 @@ public:
     /// \return  index at which the extracted text begins, or -1: a delimiter is missing or null,
     ///          nothing follows the first one, or \a nStart is not at least two units before the
     ///          end. An empty string asserts "m_pData != NULL && m_nDataLen > 0".
+    /// @{
     int GetSubString(CQWString& out, const wchar_t* lpszStart, const wchar_t* lpszEnd, int nStart,
                      bool bKeepStart, bool bKeepEnd) const;
     int GetSubString(CQWString& out, wchar_t cStart, wchar_t cEnd, int nStart, bool bKeepStart,
                      bool bKeepEnd) const;
+    /// @}
 
     // Changing the text
 
@@ -254,9 +266,6 @@ private:
     int Load(QStringView text);
     int Append(const void* pUnits, qint64 nLen);
 
-    std::wstring_view View() const;
-    int Extract(CQWString& out, std::wstring_view start, std::wstring_view end, int nStart,
-                bool bKeepStart, bool bKeepEnd) const;
     int ReplaceAll(std::wstring_view oldText, std::wstring_view newText);
     void StoreMapped(const QString& mapped, std::wstring_view opaque);
     bool AssertText() const;

@@ -2,6 +2,7 @@
 
 #include "CQSString.h"
 #include "CStrConvertor.h"
+#include "TextUnits.h"
 
 #include <algorithm>
 #include <cstring>
@@ -81,16 +82,18 @@ int CQWString::SetData(QString& str)
 // UTF-8 in the packed layout
 
 // The count of 16-bit units is taken as one of wide units; the zeros behind the packed units
-// then end the text.
+// then end the text. The decoder goes by the terminator, which in a filtered byte string stands
+// far behind the length: the count can then exceed the wide units that there are.
 int CQWString::StorePacked(const char* lpszUtf8, int nLen)
 {
-    const Units scratch = NewUnits(nLen);
+    const Units scratch = NewUnits(qint64{nLen} + 1);
     if (scratch == nullptr) {
         return 0;
     }
+    const int nRoom = nLen + 1;
     const int nUnits =
-        CStrConvertor::Utf82Unicode(scratch.get(), nLen, const_cast<char*>(lpszUtf8), nLen);
-    return nUnits < 1 ? 1 : StoreCut(scratch.get(), nUnits);
+        CStrConvertor::Utf82Unicode(scratch.get(), nRoom, const_cast<char*>(lpszUtf8), nLen);
+    return nUnits < 1 ? 1 : StoreCut(scratch.get(), std::min(nUnits, nRoom));
 }
 
 CQWString& CQWString::operator=(const CQSString& other)
@@ -149,7 +152,7 @@ int CQWString::SetByteData(const unsigned char* pData, int nLen)
 const unsigned short* CQWString::WCharToUtf16() const
 {
     delete[] m_pUtf16;
-    const std::wstring_view text = View();
+    const std::wstring_view text = View(*this);
     const auto nPairs =
         static_cast<std::size_t>(std::count_if(text.begin(), text.end(), NeedsPair));
     m_pUtf16 = new (std::nothrow) unsigned short[text.size() + nPairs + 1];

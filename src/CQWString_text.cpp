@@ -2,11 +2,13 @@
 
 #include "CQSString.h"
 #include "OrvoAssert.h"
+#include "TextUnits.h"
 
 #include <QVector>
 
 #include <algorithm>
 #include <charconv>
+#include <climits>
 #include <functional>
 #include <string>
 
@@ -81,59 +83,6 @@ int TestAffix(std::wstring_view text, Side side, const wchar_t* lpszSub, Equal e
     return equal(text.substr(nAt, sub.size()), sub) ? 1 : 0;
 }
 
-int CountOf(std::wstring_view text, std::wstring_view sub)
-{
-    int nCount = 0;
-    for (std::size_t nAt = text.find(sub); nAt != std::wstring_view::npos;
-         nAt = text.find(sub, nAt + sub.size())) {
-        ++nCount;
-    }
-    return nCount;
-}
-
-// Copies text with its occurrences of oldText replaced; returns the end of what was written.
-wchar_t* CopyReplaced(wchar_t* pDst, std::wstring_view text, std::wstring_view oldText,
-                      std::wstring_view newText)
-{
-    std::size_t nDone = 0;
-    for (std::size_t nAt = text.find(oldText); nAt != std::wstring_view::npos;
-         nAt = text.find(oldText, nDone)) {
-        pDst += text.copy(pDst, nAt - nDone, nDone);
-        pDst += newText.copy(pDst, newText.size());
-        nDone = nAt + oldText.size();
-    }
-    return pDst + text.copy(pDst, text.size() - nDone, nDone);
-}
-
-// Value of a hexadecimal digit, or -1.
-int DigitValue(wchar_t c)
-{
-    if (c >= L'0' && c <= L'9') {
-        return static_cast<int>(c - L'0');
-    }
-    if (c >= L'a' && c <= L'f') {
-        return static_cast<int>(c - L'a') + 10;
-    }
-    return c >= L'A' && c <= L'F' ? static_cast<int>(c - L'A') + 10 : -1;
-}
-
-// Value of the digits of the base that end the text, modulo 2^32; negated when the text begins
-// with '-'.
-int TrailingNumber(std::wstring_view text, int nBase)
-{
-    quint32 nValue = 0;
-    quint32 nPlace = 1;
-    for (auto it = text.rbegin(); it != text.rend(); ++it) {
-        const int nDigit = DigitValue(*it);
-        if (nDigit < 0 || nDigit >= nBase) {
-            break;
-        }
-        nValue += static_cast<quint32>(nDigit) * nPlace;
-        nPlace *= static_cast<quint32>(nBase);
-    }
-    return static_cast<int>(text.front() == L'-' ? 0 - nValue : nValue);
-}
-
 // Formats n as a terminated text and returns it.
 template <class Number>
 const wchar_t* FormatNumber(Number n, int nBase, wchar_t (&buffer)[NumberSize])
@@ -155,36 +104,13 @@ bool CQWString::AssertText() const
                       Source);
 }
 
-int CQWString::Extract(CQWString& out, std::wstring_view start, std::wstring_view end, int nStart,
-                       bool bKeepStart, bool bKeepEnd) const
-{
-    nStart = std::max(nStart, 0);
-    if (nStart >= m_nDataLen - 1) {
-        return -1;
-    }
-    const std::wstring_view text = View();
-    const std::size_t nOpen = text.find(start, static_cast<std::size_t>(nStart));
-    if (nOpen == std::wstring_view::npos || nOpen + start.size() >= text.size()) {
-        return -1;
-    }
-    const std::size_t nInner = nOpen + start.size();
-    const std::size_t nClose = text.find(end, nInner);
-    if (nClose == std::wstring_view::npos) {
-        return -1;
-    }
-    const std::size_t nFrom = bKeepStart ? nOpen : nInner;
-    const std::size_t nTo = bKeepEnd ? nClose + end.size() : nClose;
-    AllocCopy(out, static_cast<int>(nTo - nFrom), static_cast<int>(nFrom));
-    return static_cast<int>(nFrom);
-}
-
 int CQWString::GetSubString(CQWString& out, const wchar_t* lpszStart, const wchar_t* lpszEnd,
                             int nStart, bool bKeepStart, bool bKeepEnd) const
 {
     if (!AssertText() || lpszStart == nullptr || lpszEnd == nullptr) {
         return -1;
     }
-    return Extract(out, lpszStart, lpszEnd, nStart, bKeepStart, bKeepEnd);
+    return CopyBetween(*this, out, lpszStart, lpszEnd, nStart, bKeepStart, bKeepEnd);
 }
 
 int CQWString::GetSubString(CQWString& out, wchar_t cStart, wchar_t cEnd, int nStart,
@@ -193,14 +119,14 @@ int CQWString::GetSubString(CQWString& out, wchar_t cStart, wchar_t cEnd, int nS
     if (!AssertText()) {
         return -1;
     }
-    return Extract(out, {&cStart, 1}, {&cEnd, 1}, nStart, bKeepStart, bKeepEnd);
+    return CopyBetween(*this, out, {&cStart, 1}, {&cEnd, 1}, nStart, bKeepStart, bKeepEnd);
 }
 
 // Changing the text
 
 void CQWString::TrimRightAndLeft()
 {
-    const std::wstring_view text = View();
+    const std::wstring_view text = View(*this);
     const std::size_t nFirst = text.find_first_not_of(Blanks);
     if (nFirst == std::wstring_view::npos) {
         Empty();
@@ -229,7 +155,7 @@ void CQWString::MakeUpper()
 {
     if (AssertText()) {
         std::wstring opaque;
-        StoreMapped(ToPlatform(View(), opaque).toUpper(), opaque);
+        StoreMapped(ToPlatform(View(*this), opaque).toUpper(), opaque);
     }
 }
 
@@ -237,7 +163,7 @@ void CQWString::MakeLower()
 {
     if (AssertText()) {
         std::wstring opaque;
-        StoreMapped(ToPlatform(View(), opaque).toLower(), opaque);
+        StoreMapped(ToPlatform(View(*this), opaque).toLower(), opaque);
     }
 }
 
@@ -245,9 +171,9 @@ void CQWString::MakeLower()
 // string as it was.
 int CQWString::ReplaceAll(std::wstring_view oldText, std::wstring_view newText)
 {
-    const std::wstring_view text = View();
-    const int nCount = CountOf(text, oldText);
-    if (nCount == 0 || newText.size() > 0x7FFFFFFF) {
+    const std::wstring_view text = View(*this);
+    const int nCount = CountOccurrences(text, oldText);
+    if (nCount == 0 || newText.size() > INT_MAX) {
         return 0;
     }
     const qint64 nDelta = static_cast<qint64>(newText.size()) - static_cast<qint64>(oldText.size());
@@ -262,7 +188,7 @@ int CQWString::ReplaceAll(std::wstring_view oldText, std::wstring_view newText)
     if (built == nullptr) {
         return 0;
     }
-    const wchar_t* pDstEnd = CopyReplaced(built.get(), text, oldText, newText);
+    const wchar_t* pDstEnd = PutReplaced(built.get(), text, oldText, newText);
     OrvoAssert(pDstEnd - built.get() == nNewLen, "m_nDataLen == nDstStart", Source);
     if (bGrows) {
         delete[] m_pData;
@@ -294,22 +220,22 @@ int CQWString::DeleteSubString(const wchar_t* lpszSub)
 
 int CQWString::IsStartWith(const wchar_t* lpszSub) const
 {
-    return TestAffix(View(), Side::Start, lpszSub, std::equal_to<>());
+    return TestAffix(View(*this), Side::Start, lpszSub, std::equal_to<>());
 }
 
 int CQWString::IsStartWithNoCase(const wchar_t* lpszSub) const
 {
-    return TestAffix(View(), Side::Start, lpszSub, EqualFolded);
+    return TestAffix(View(*this), Side::Start, lpszSub, EqualFolded);
 }
 
 int CQWString::IsEndWith(const wchar_t* lpszSub) const
 {
-    return TestAffix(View(), Side::End, lpszSub, std::equal_to<>());
+    return TestAffix(View(*this), Side::End, lpszSub, std::equal_to<>());
 }
 
 int CQWString::IsEndWithNoCase(const wchar_t* lpszSub) const
 {
-    return TestAffix(View(), Side::End, lpszSub, EqualFolded);
+    return TestAffix(View(*this), Side::End, lpszSub, EqualFolded);
 }
 
 // Numbers
@@ -347,7 +273,7 @@ bool CQWString::AssertNumber() const
 
 int CQWString::ToINT() const
 {
-    return AssertNumber() ? TrailingNumber(View(), 10) : -1;
+    return AssertNumber() ? SignedTrailingNumber(View(*this), 10) : -1;
 }
 
 int CQWString::ToINT(short nBase) const
@@ -356,16 +282,16 @@ int CQWString::ToINT(short nBase) const
         return -1;
     }
     quint32 nValue = 0;
-    for (const wchar_t c : View()) {
+    for (const wchar_t c : View(*this)) {
         nValue =
-            nValue * static_cast<quint32>(nBase) + static_cast<quint32>(std::max(DigitValue(c), 0));
+            nValue * static_cast<quint32>(nBase) + static_cast<quint32>(std::max(HexDigit(c), 0));
     }
     return static_cast<int>(nValue);
 }
 
 int CQWString::ToHEX() const
 {
-    return AssertNumber() ? TrailingNumber(View(), 16) : -1;
+    return AssertNumber() ? SignedTrailingNumber(View(*this), 16) : -1;
 }
 
 int CQWString::ToNum(enNumType eType) const

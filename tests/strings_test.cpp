@@ -1,12 +1,14 @@
-#include "AssertRecorder.h"
+// Both string classes. What they have in common is tested with the same rows, and what differs
+// between them on purpose stands beside it.
 
-#include <CQSString.h>
+#include "AssertRecorder.h"
+#include "StringContent.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <numeric>
+#include <cstring>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -15,396 +17,597 @@ using namespace std::string_literals;
 namespace
 {
 
-void ExpectAll(int expected, const std::vector<int>& results)
-{
-    EXPECT_EQ(std::vector<int>(results.size(), expected), results);
-}
+constexpr int IntMax = 0x7FFFFFFF;
 
-// The whole content, zero bytes included.
-std::string Bytes(const CQSString& s)
-{
-    return {s.GetDataPtr() != nullptr ? s.GetDataPtr() : "", static_cast<size_t>(s.GetLength())};
-}
+// A C string of the class's units, or null; rows are written in ASCII.
+template <class String>
+struct Arg {
+    Arg(const char* text) : isNull(text == nullptr)
+    {
+        const std::string_view view(isNull ? "" : text);
+        units.assign(view.begin(), view.end());
+    }
+    operator const Unit<String>*() const { return isNull ? nullptr : units.c_str(); }
 
-unsigned char* Raw(std::string& bytes)
-{
-    return reinterpret_cast<unsigned char*>(bytes.data());
-}
-
-CQSString Make(std::string bytes)
-{
-    CQSString s;
-    s.SetData(Raw(bytes), static_cast<int>(bytes.size()));
-    return s;
-}
+    bool isNull;
+    std::basic_string<Unit<String>> units;
+};
 
 // What an operation makes of a string that holds `text`.
-std::string After(const std::function<void(CQSString&)>& operation, std::string text = "kept")
+template <class String, class Run>
+void ExpectAfter(const std::string& text, const std::string& expected, const Run& operation)
 {
-    CQSString s = Make(std::move(text));
+    auto s = Make<String>(text);
     operation(s);
-    EXPECT_EQ(s.IsEmpty(), s.GetDataPtr() == nullptr);
-    return Bytes(s);
+    EXPECT_EQ(expected, Content(s)) << text;
 }
 
-// The result of a delimited GetSubString() and behind it the output, which held "kept".
-std::string Between(const char* text, const char* start, const char* end, int from,
-                    bool keepStart = false, bool keepEnd = false)
+// `expressions` name the length as the byte string does.
+template <class String>
+void ExpectReports(AssertRecorder& recorder, std::vector<std::string> expressions)
 {
-    int index = 0;
-    const std::string output = After([&](CQSString& out) {
-        index = Make(text).GetSubString(out, start, end, from, keepStart, keepEnd);
-    });
-    return std::to_string(index) + ' ' + output;
-}
-
-// The result of Replace() and behind it the text.
-std::string Replaced(std::string text, const char* oldText, const char* newText)
-{
-    int count = 0;
-    text = After([&](CQSString& s) { count = s.Replace(oldText, newText); }, text);
-    return std::to_string(count) + ' ' + text;
-}
-
-void ExpectReports(AssertRecorder& recorder, const std::vector<const char*>& expressions)
-{
-    const auto reports = recorder.Take();
-    ASSERT_EQ(expressions.size(), reports.size());
-    for (size_t i = 0; i < reports.size(); ++i) {
-        EXPECT_TRUE(reports[i].Is(expressions[i], "src/CQSString")) << reports[i];
+    std::vector<std::string> reported;
+    for (const AssertReport& report : recorder.Take()) {
+        reported.push_back(report.expression);
+        EXPECT_EQ(IsWide<String> ? "src/CQWString" : "src/CQSString", report.source);
     }
+    for (std::string& expression : expressions) {
+        const auto length = expression.find("m_nLen");
+        if (IsWide<String> && length != std::string::npos) {
+            expression.insert(length + 3, "Data"); // m_nDataLen
+        }
+    }
+    EXPECT_EQ(expressions, reported);
 }
 
-const char* const NoText = nullptr;
+template <class String>
+class EitherString : public testing::Test
+{
+};
+using BothStrings = testing::Types<CQSString, CQWString>;
+TYPED_TEST_SUITE(EitherString, BothStrings);
 
 } // namespace
 
-TEST(ByteStringStorage, AllocatesZeroBytesAndTreatsNothingAsKeep)
+TYPED_TEST(EitherString, RefusesNothingAndCountsAppendedUnits)
 {
-    AssertRecorder recorder;
-    EXPECT_EQ("\0\0\0\0\0"s, Bytes(CQSString(5)));
-    EXPECT_EQ(nullptr, CQSString(-3).GetDataPtr());
-    CQSString s = Make("abc");
-    s.AllocBuffer(0);
-    s = CQSString();
-    std::string bytes = "xy";
-    ExpectAll(0, {s.SetData(""), s.SetData(NoText), s.SetData(nullptr, 3), s.SetData(Raw(bytes), 0),
-                  s.SetData(Raw(bytes), -1)});
-    ExpectReports(recorder, {});
-    s.AllocBuffer(-1);
-    ExpectReports(recorder, {"nLen >= 0"});
-    EXPECT_EQ("abc", Bytes(s));
-    s.Empty();
-    EXPECT_EQ(nullptr, s.GetDataPtr());
+    auto s = Make<TypeParam>("old");
+    const Arg<TypeParam> none(nullptr), empty(""), text("ab");
+    unsigned char* const noUnits = nullptr;
+    unsigned char units[] = "units";
+    ExpectAll(0, {s.SetData(none), s.SetData(empty), s.SetData(noUnits, 1), s.SetData(units, 0),
+                  s.SetData(units, -1), s.AppendData(none), s.AppendData(empty),
+                  s.AppendData(noUnits, 1), s.AppendData(units, -1)});
+    ExpectAll(1, {s.AppendChar('\0'), s.AppendData(text)});
+    EXPECT_EQ("old\0ab"s, Content(s));
 }
 
-TEST(ByteStringStorage, EveryChangeMakesAFreshTerminatedBuffer)
+TYPED_TEST(EitherString, TakesArgumentsFromItself)
 {
-    CQSString s = Make(" a ");
-    const std::function<void()> changes[] = {
-        [&] { s.AllocBuffer(3); },  [&] { s.SetData(" b "); },  [&] { s = Make(" c "); },
-        [&] { s.AppendChar(' '); }, [&] { s.AppendData("d"); }, [&] { s.Replace("d", "e"); },
-        [&] { s.TrimLeft(); },      [&] { s.TrimRight(); },     [&] { s.TrimRightAndLeft(); },
-    };
-    for (const auto& change : changes) {
-        const char* const before = s.GetDataPtr();
-        change();
-        EXPECT_NE(before, s.GetDataPtr());
-        EXPECT_EQ('\0', s.GetDataPtr()[s.GetLength()]);
-    }
-    const char* const before = s.GetDataPtr();
-    s = *&s;
-    const CQSString moved(std::move(s));
-    EXPECT_EQ(before, moved.GetDataPtr());
-    EXPECT_TRUE(s.IsEmpty()); // NOLINT(bugprone-use-after-move): the emptied state is promised
-}
-
-TEST(ByteStringStorage, ArgumentsMayLieInTheStringItself)
-{
-    CQSString s = Make("abc");
+    auto s = Make<TypeParam>("abc");
     s.AppendData(s.GetDataPtr());
-    EXPECT_EQ("abcabc", Bytes(s));
+    EXPECT_EQ("abcabc", Content(s));
     s.SetData(s.GetDataPtr() + 4);
-    EXPECT_EQ("bc", Bytes(s));
-    s.Replace(s.GetDataPtr() + 1, s.GetDataPtr());
-    EXPECT_EQ("bbc", Bytes(s));
+    EXPECT_EQ("bc", Content(s));
+    EXPECT_EQ(1, s.Replace(s.GetDataPtr() + 1, s.GetDataPtr()));
+    EXPECT_EQ("bbc", Content(s));
     s.GetSubString(s, 1, 2);
-    EXPECT_EQ("bc", Bytes(s));
-    s.TrimLeft(1, s);
-    EXPECT_EQ("c", Bytes(s));
+    EXPECT_EQ("bc", Content(s));
+    s = Make<TypeParam>("cbc");
+    EXPECT_EQ(1, s.GetSubString(s, s.GetDataPtr() + 2, s.GetDataPtr() + 1, 0, false, true));
+    EXPECT_EQ("bc", Content(s));
 }
 
-TEST(ByteStringStorage, AppendsAnyByteButNoEmptyText)
-{
-    CQSString s;
-    std::string tail = "c\0"s;
-    ExpectAll(1, {s.AppendChar('\0'), s.AppendData("ab"), s.AppendData(Raw(tail), 2)});
-    ExpectAll(0, {s.AppendData(""), s.AppendData(NoText), s.AppendData(Raw(tail), -1),
-                  s.AppendData(nullptr, 1)});
-    EXPECT_EQ("\0abc\0"s, Bytes(s));
-}
-
-TEST(ByteStringAccess, OutsideIndexIsAssertedAndTouchesNothing)
+TYPED_TEST(EitherString, OutsideElementsAreAssertedAndReadAsZero)
 {
     AssertRecorder recorder;
-    CQSString s = Make("ab\xFF");
-    EXPECT_EQ('\xFF', s.GetAt(2));
+    auto s = Make<TypeParam>("abc");
     s.SetAt(1, 'x');
-    ExpectReports(recorder, {});
-    ExpectAll('\0', {s.GetAt(-1), s[3]});
+    EXPECT_EQ('c', s.GetAt(2));
+    ExpectReports<TypeParam>(recorder, {});
+    ExpectAll(0, {static_cast<int>(s.GetAt(-1)), static_cast<int>(s[3])});
     s.SetAt(3, 'y');
-    ExpectReports(recorder, {"nIndex >= 0", "nIndex < m_nLen", "nIndex < m_nLen"});
-    EXPECT_STREQ("ax\xFF", s.GetDataPtr());
+    ExpectReports<TypeParam>(recorder, {"nIndex >= 0", "nIndex < m_nLen", "nIndex < m_nLen"});
+    EXPECT_EQ("axc", Content(s));
 }
 
-TEST(ByteStringCompare, NoBufferEqualsNothingAndNoCaseHasNoOrder)
+TYPED_TEST(EitherString, ComparesWithoutOrderWhereCaseIsIgnored)
 {
-    EXPECT_FALSE(CQSString() == CQSString());
-    EXPECT_TRUE(Make("abc") == Make("abc"));
-    EXPECT_GT(Make("\x80").Compare("\x7F"), 0);
-    CQSString other = Make("aBC\0x"s);
-    ExpectAll(0, {Make("Abc\0X"s).CompareNoCase(other), Make("zA").CompareNoCase("Za")});
-    ExpectAll(-1, {CQSString().Compare(""), Make("b").Compare(nullptr),
-                   Make("Abc\0Y"s).CompareNoCase(other), Make("b").CompareNoCase("a"),
-                   Make("a").CompareNoCase("ab"), Make("[").CompareNoCase("{"),
-                   Make("\xE9").CompareNoCase("\xC9"), CQSString().CompareNoCase(""),
-                   Make("a").CompareNoCase(NoText)});
+    const auto against = [](const char* text, const char* other) {
+        return Make<TypeParam>(text).CompareNoCase(Arg<TypeParam>(other));
+    };
+    ExpectAll(0, {against("Abc", "aBC"), against("[Zz", "[zZ")});
+    ExpectAll(-1, {against("abc", "abd"), against("b", "a"), against("a", "ab"), against("[", "{"),
+                   against("", ""), against("a", nullptr)});
+    EXPECT_TRUE(Make<TypeParam>("abc") == Make<TypeParam>("abc"));
+    EXPECT_EQ(IsWide<TypeParam>, TypeParam() == TypeParam()) << "differs on purpose";
+    EXPECT_EQ(IsWide<TypeParam> ? 0 : -1, TypeParam().Compare(nullptr));
+    EXPECT_EQ(IsWide<TypeParam> ? 1 : -1, Make<TypeParam>("a").Compare(nullptr));
+    EXPECT_EQ(-1, TypeParam().Compare(Arg<TypeParam>("")));
 }
 
-TEST(ByteStringFind, HonoursRangesAndCrossesZeroBytes)
-{
-    AssertRecorder recorder;
-    const CQSString s = Make("abcb");
-    const CQSString binary = Make("a\0bcbc"s);
-    ExpectAll(3, {s.Find('b', 2), binary.Find("", 3), Make("\n\r\tx").FindFirstValidChar(0)});
-    ExpectAll(2, {binary.Find("bc"), binary.Find("bc", 2), binary.Find("bc", -7)});
-    ExpectAll(1, {s.Find('b', 1, 100), s.FindBefore('b', 2), s.Find("bcb")});
-    ExpectAll(0, {s.FindBefore('a', 0), Make("\v ").FindFirstValidChar(0)});
-    ExpectAll(-1, {s.Find('b', -1), s.Find('b', 4), s.Find('\0', 0), s.Find('b', 2, 2),
-                   s.Find('b', 2, 3), s.Find('b', -1, 3), s.FindBefore('c', 1),
-                   s.FindBefore('b', 4), binary.Find("bcd"), binary.Find("", 6),
-                   CQSString().Find('a'), CQSString().Find("", -1), s.FindFirstValidChar(-1),
-                   s.FindFirstValidChar(4), Make("x \t").FindFirstValidChar(1)});
-    ExpectReports(recorder, {});
-    EXPECT_EQ(-1, s.Find(NoText, 0));
-    ExpectReports(recorder, {"lpszSub != NULL"});
-}
-
-TEST(ByteStringSubstring, RangesAreClippedAndEmptyOnesChangeNothing)
+TYPED_TEST(EitherString, FindsWithinRangesAndAcrossZeros)
 {
     AssertRecorder recorder;
-    const CQSString s = Make("hello");
+    const auto s = Make<TypeParam>("a\0bcbc"s);
+    const auto sub = [&](const char* text, int start) {
+        return s.Find(Arg<TypeParam>(text), start);
+    };
+    ExpectAll(5, {s.Find('c', 4), sub("", 5), s.FindBefore('c', 5)});
+    ExpectAll(4, {sub("bc", 3), s.FindBefore('b', 5), s.Find('b', 3)});
+    ExpectAll(2, {s.Find('b'), s.Find('b', 2), sub("bc", 2), sub("bc", -7), s.FindBefore('b', 3)});
+    ExpectAll(0, {sub("", -7), s.FindBefore('a', 0)});
+    ExpectAll(-1, {s.Find('c', 6), s.Find('a', 1), sub("bcd", 0), sub("", 6), s.FindBefore('b', 1),
+                   s.FindBefore('c', 6), s.FindBefore('a', -1), TypeParam().Find('\0'),
+                   TypeParam().Find(Arg<TypeParam>(""), -1)});
+    EXPECT_EQ(IsWide<TypeParam> ? 0 : -1, s.Find('a', -1)) << "differs on purpose";
+    ExpectReports<TypeParam>(recorder, {});
+    EXPECT_EQ(-1, sub(nullptr, 0));
+    ExpectReports<TypeParam>(recorder, {"lpszSub != NULL"});
+}
+
+TYPED_TEST(EitherString, RangesAreClippedAndEmptyOnesChangeNothing)
+{
+    AssertRecorder recorder;
+    const auto s = Make<TypeParam>("hello");
     const struct {
         int first, count;
         const char *copied, *substring; // negatives clip AllocCopy(), but count as 0 for the other
     } rows[] = {
-        {2, 100, "llo", "llo"}, {-2, 4, "he", "hell"},   {1, 0x7FFFFFFF, "ello", "ello"},
+        {2, 100, "llo", "llo"}, {-2, 4, "he", "hell"},   {1, IntMax, "ello", "ello"},
         {5, 1, "kept", "kept"}, {1, -1, "kept", "kept"}, {-2, 2, "kept", "he"},
         {6, 1, "kept", "kept"},
     };
-    for (const auto& [first, count, copied, substring] : rows) {
-        EXPECT_EQ(copied, After([&](CQSString& out) { s.AllocCopy(out, count, first); }));
-        EXPECT_EQ(substring, After([&](CQSString& out) { s.GetSubString(out, first, count); }));
+    for (const auto& row : rows) {
+        ExpectAfter<TypeParam>("kept", row.copied,
+                               [&](auto& out) { s.AllocCopy(out, row.count, row.first); });
+        ExpectAfter<TypeParam>("kept", row.substring,
+                               [&](auto& out) { s.GetSubString(out, row.first, row.count); });
     }
-    ExpectReports(recorder, {"nFirst + nCount <= m_nLen"});
+    ExpectReports<TypeParam>(recorder, {"nFirst + nCount <= m_nLen"});
 }
 
-TEST(ByteStringSubstring, BetweenDelimiters)
+// An empty delimiter is found at once, but nothing is where the text ends behind the first one or
+// starts less than two units before its end. The end is looked for behind the start.
+TYPED_TEST(EitherString, SubstringsBetweenDelimiters)
 {
     AssertRecorder recorder;
-    EXPECT_EQ("2 b", Between("xabcd", "a", "c", 0));
-    EXPECT_EQ("1 abc", Between("xabcd", "a", "c", 0, true, true));
-    EXPECT_EQ("2 bc", Between("xabcd", "a", "c", 0, false, true));
-    EXPECT_EQ("1 kept", Between("ac", "a", "c", 0));
-    EXPECT_EQ("11 y", Between("<b>x</b><b>y</b>", "<b>", "</b>", 1));
-    EXPECT_EQ("3 x", Between("<b>x</b>", "<b>", "</b>", -3));
-    EXPECT_EQ("1 X", Between("aXa", "a", "a", 0));    // the end is looked for behind the start
-    EXPECT_EQ("-1 kept", Between("xxa", "a", "", 0)); // nothing follows the start
-    EXPECT_EQ("-1 kept", Between("abc", "c", "", 2)); // a start this close to the end
-    EXPECT_EQ("-1 kept", Between("abc", "a", "d", 0));
-    EXPECT_EQ("-1 kept", Between("abc", nullptr, "c", 0));
-    CQSString out;
-    EXPECT_EQ(1, Make("a\0b\0c"s).GetSubString(out, '\0', '\0', 0, true, false));
-    EXPECT_EQ("\0b"s, Bytes(out));
-    ExpectReports(recorder, {});
-    EXPECT_EQ(-1, CQSString().GetSubString(out, 'a', 'b', -1, true, true));
-    EXPECT_EQ(-1, CQSString().GetSubString(out, "", "", -1, true, true));
-    ExpectReports(recorder, {"m_pData != NULL && m_nLen > 0", "m_pData != NULL && m_nLen > 0"});
+    const struct {
+        const char *text, *start, *end;
+        int from;
+        bool keepStart, keepEnd;
+        const char* expected; // the result and behind it the output
+    } rows[] = {
+        {"xabcd", "a", "c", 0, 0, 0, "2 b"},
+        {"xabcd", "a", "c", -4, 1, 1, "1 abc"},
+        {"xabcd", "a", "c", 0, 0, 1, "2 bc"},
+        {"ac", "a", "c", 0, 0, 0, "1 kept"},
+        {"aXa", "a", "a", 0, 0, 0, "1 X"},
+        {"xxa", "a", "", 0, 1, 1, "-1 kept"},
+        {"xabc", "ab", "", 0, 1, 0, "1 ab"},
+        {"xab", "", "b", 1, 0, 0, "1 a"},
+        {"xab", "", "b", 2, 0, 0, "-1 kept"},
+        {"abc", "a", "d", 0, 1, 1, "-1 kept"},
+        {"abc", nullptr, "c", 0, 0, 0, "-1 kept"},
+        {"abc", "a", nullptr, 0, 0, 0, "-1 kept"},
+        {"<b>x</b><b>y</b>", "<b>", "</b>", 1, 1, 0, "8 <b>y"},
+        {"", "", "", -1, 0, 0, "-1 kept"},
+    };
+    for (const auto& row : rows) {
+        auto out = Make<TypeParam>("kept");
+        const int result = Make<TypeParam>(row.text).GetSubString(out, Arg<TypeParam>(row.start),
+                                                                  Arg<TypeParam>(row.end), row.from,
+                                                                  row.keepStart, row.keepEnd);
+        EXPECT_EQ(row.expected, std::to_string(result) + ' ' + Content(out));
+    }
+    const Unit<TypeParam> zero = 0;
+    TypeParam out;
+    EXPECT_EQ(2, Make<TypeParam>("a\0b\0c"s).GetSubString(out, zero, zero, 0, false, false));
+    EXPECT_EQ("b", Content(out));
+    EXPECT_EQ(-1, TypeParam().GetSubString(out, zero, zero, -1, true, true));
+    ExpectReports<TypeParam>(recorder, {2, "m_pData != NULL && m_nLen > 0"});
 }
 
-TEST(ByteStringTrim, OnlyFourBytesAreBlanks)
+TYPED_TEST(EitherString, TrimsFourBlanksAndNoOthers)
 {
-    const auto left = [](CQSString& s) { s.TrimLeft(); };
-    const auto right = [](CQSString& s) { s.TrimRight(); };
-    const auto both = [](CQSString& s) { s.TrimRightAndLeft(); };
-    EXPECT_EQ("x y\n ", After(left, " \t\r\n x y\n "));
-    EXPECT_EQ(" \t\r\n x y", After(right, " \t\r\n x y\n "));
-    EXPECT_EQ("x y", After(both, " \t\r\n x y\n "));
-    for (const auto& trim : {+left, +right, +both}) {
-        EXPECT_EQ("\v x \f", After(trim, "\v x \f"));
-        EXPECT_EQ("\0"s, After(trim, "\0"s));
-        EXPECT_EQ("", After(trim, "  \t\r\n"));
+    const std::string rows[][2] = {
+        {" \t\r\n x y\n ", "x y"}, {"\v x \f", "\v x \f"}, {"\0 \0"s, "\0 \0"s}, {" \t\r\n", ""}};
+    for (const auto& [text, trimmed] : rows) {
+        auto s = Make<TypeParam>(text);
+        const auto* const before = s.GetDataPtr();
+        s.TrimRightAndLeft();
+        EXPECT_EQ(trimmed, Content(s));
+        EXPECT_EQ(IsWide<TypeParam>, before == s.GetDataPtr()) << "differs on purpose";
+        EXPECT_EQ(!IsWide<TypeParam> && trimmed.empty(), s.GetDataPtr() == nullptr);
     }
 }
 
-TEST(ByteStringTrim, CountedFormsDifferWhereNothingIsLeft)
+TYPED_TEST(EitherString, ReplacesLeftToRight)
 {
-    const CQSString s = Make("hello");
-    EXPECT_EQ("llo", After([&](CQSString& out) { s.TrimLeft(2, out); }));
-    EXPECT_EQ("kept", After([&](CQSString& out) { s.TrimLeft(5, out); }));
-    EXPECT_EQ("hel", After([&](CQSString& out) { s.TrimRight(2, out); }));
-    EXPECT_EQ("hello", After([&](CQSString& out) { s.TrimRight(-2, out); }));
-    EXPECT_EQ("kept", After([&](CQSString& out) { s.TrimRight(5, out); }));
-    EXPECT_EQ("el", After([&](CQSString& out) { s.TrimRightAndLeft(1, 2, out); }));
-    EXPECT_EQ("h", After([&](CQSString& out) { s.TrimRightAndLeft(-1, 4, out); }));
-    EXPECT_EQ("", After([&](CQSString& out) { s.TrimRightAndLeft(2, 0x7FFFFFFF, out); }));
-    EXPECT_EQ("kept", After([&](CQSString& out) { CQSString().TrimRightAndLeft(1, 1, out); }));
+    const struct {
+        std::string text;
+        const char *oldText, *newText;
+        std::string expected; // the count and behind it the text
+    } rows[] = {
+        {"aaaaa", "aa", "b", "2 bba"},
+        {"aaa", "aa", "aaa", "1 aaaa"},
+        {"aaa", "a", nullptr, "3 "},
+        {"axbxc", "x", "", "2 abc"},
+        {"\0x\0"s, "x", "yz", "1 \0yz\0"s},
+        {"xa", "x", "x", "0 xa"},
+        {"xa", "", "y", "0 xa"},
+        {"xa", "X", "y", "0 xa"},
+        {"", nullptr, "", "0 "},
+        {"xa", nullptr, "", IsWide<TypeParam> ? "0 xa" : "-1 xa"},
+    };
+    for (const auto& [text, oldText, newText, expected] : rows) {
+        auto s = Make<TypeParam>(text);
+        const auto* const before = s.GetDataPtr();
+        const int count = s.Replace(Arg<TypeParam>(oldText), Arg<TypeParam>(newText));
+        EXPECT_EQ(expected, std::to_string(count) + ' ' + Content(s));
+        // The byte string then has another buffer, the wide string only where the old is too small.
+        const bool grows = s.GetLength() > static_cast<int>(text.size());
+        EXPECT_EQ(IsWide<TypeParam> ? grows : count > 0, before != s.GetDataPtr());
+    }
 }
 
-// As Python's str.upper() and str.lower() on Latin-1, but where those leave Latin-1 (0xB5, 0xFF)
-// or change the length (0xDF) the byte stays.
-TEST(ByteStringCase, FollowsLatin1AndOnlyMakeLowerToleratesNothing)
+TYPED_TEST(EitherString, OnlyTheWideStringsNoCaseTestsIgnoreCase)
 {
     AssertRecorder recorder;
-    std::string all(256, '\0');
-    std::iota(all.begin(), all.end(), '\0');
-    std::string upper = all;
-    std::string lower = all;
-    for (size_t b = 'a'; b <= 0xFE; ++b) {
-        if (b <= 'z' || (b >= 0xE0 && b != 0xF7)) {
-            upper[b] = all[b - 32];
-            lower[b - 32] = all[b];
-        }
+    const int wide = IsWide<TypeParam> ? 1 : 0;
+    const struct {
+        std::string text;
+        const char* sub;
+        std::vector<int> expected;
+    } rows[] = {
+        {"file.txt", "file", {1, 0, 1, 0}},
+        {"file.txt", "FILE", {0, 0, wide, 0}},
+        {"file.txt", ".txt", {0, 1, 0, 1}},
+        {"file.txt", "TXT", {0, 0, 0, wide}},
+        {"txt", "txt", {1, 1, 1, 1}},
+        {"txt", "TXT", {0, 0, wide, wide}},
+        {"", "", {1, 1, 1, 1}},
+        {"txt", "a.txt", {0, 0, 0, 0}},
+        {"a\0b"s, "ab", {0, 0, 0, 0}},
+        {"a", nullptr, {0, 0, 0, 0}},
+    };
+    for (const auto& [text, subText, expected] : rows) {
+        const auto s = Make<TypeParam>(text);
+        const Arg<TypeParam> sub(subText);
+        EXPECT_EQ(expected, (std::vector{s.IsStartWith(sub), s.IsEndWith(sub),
+                                         s.IsStartWithNoCase(sub), s.IsEndWithNoCase(sub)}));
     }
-    EXPECT_EQ(upper, After([](CQSString& s) { s.MakeUpper(); }, all));
-    EXPECT_EQ(lower, After([](CQSString& s) { s.MakeLower(); }, all));
-    CQSString::MakeLower(all.data() + 'A', 1);
-    CQSString().MakeLower();
-    ExpectReports(recorder, {});
+    ExpectReports<TypeParam>(recorder, {4, "lpszSub != NULL"});
+}
+
+// Foreign units of a hexadecimal number are skipped by the byte string and end the wide string's.
+TYPED_TEST(EitherString, ReadsAndWritesNumbersModulo32Bits)
+{
+    AssertRecorder recorder;
+    const struct {
+        const char* text;
+        int decimal;
+        unsigned int byteHex, wideHex;
+    } rows[] = {
+        {"-45", -45, 0x45, 0U - 0x45},
+        {"12a3", 3, 0x12A3, 0x12A3},
+        {"-1-2", -2, 0x12, 0U - 2},
+        {"0x1F", 0, 0x1F, 0x1F},
+        {"fg", 0, 15, 0},
+        {"@G`g/:", 0, 0, 0},
+        {"4294967297", 1, 0x94967297, 0x94967297},
+    };
+    for (const auto& [text, decimal, byteHex, wideHex] : rows) {
+        const auto s = Make<TypeParam>(text);
+        EXPECT_EQ(decimal, s.ToINT());
+        EXPECT_EQ(IsWide<TypeParam> ? wideHex : byteHex, static_cast<unsigned>(s.ToHEX())) << text;
+    }
+    ExpectAfter<TypeParam>("kept", "-2147483648", [](auto& s) { s.ToString(-IntMax - 1); });
+    ExpectAfter<TypeParam>("kept", "4294967295", [](auto& s) { s.ToString(4294967295U); });
+    EXPECT_EQ(4294967251U, Make<CQSString>("-4294967251").ToUINT()) << "no sign";
+    ExpectReports<TypeParam>(recorder, {});
+    EXPECT_EQ(0U, CQSString().ToUINT());
+    ExpectReports<CQSString>(recorder, {"m_pData != NULL", "m_nLen > 0"});
+    ExpectAll(-1, {TypeParam().ToINT()});
+    ExpectReports<TypeParam>(recorder, {"m_pData != NULL", "m_nLen > 0"});
+    ExpectAll(-1, {TypeParam().ToHEX()});
+    ExpectReports<TypeParam>(recorder, {"m_pData != NULL", "m_nLen > 0"});
+}
+
+TEST(ByteString, EveryChangeMakesAFreshBufferAndNothingIsTreatedAsKeep)
+{
+    EXPECT_EQ("\0\0\0\0\0"s, Content(CQSString(5)));
+    EXPECT_EQ(nullptr, CQSString(-3).GetDataPtr());
+    auto s = Make<CQSString>(" a ");
+    const char* before = s.GetDataPtr();
+    const auto expectFresh = [&](auto...) {
+        EXPECT_NE(before, std::exchange(before, s.GetDataPtr()));
+    };
+    expectFresh((s.AllocBuffer(3), 0));
+    expectFresh(s.SetData("abc"), 0);
+    expectFresh((s = Make<CQSString>("xyz"), 0));
+    expectFresh(s.AppendChar('d'));
+    expectFresh((s.TrimLeft(), 0));
+    expectFresh((s.TrimRight(), 0));
+    AssertRecorder recorder;
+    s.AllocBuffer(0);
+    s = CQSString();
+    s = *&s;
+    s.AllocBuffer(-1);
+    ExpectReports<CQSString>(recorder, {"nLen >= 0"});
+    EXPECT_EQ("xyzd", Content(s));
+    EXPECT_EQ(before, CQSString(std::move(s)).GetDataPtr());
+    EXPECT_TRUE(s.IsEmpty()); // NOLINT(bugprone-use-after-move): the emptied state is promised
+}
+
+TEST(ByteString, ComparesAndFindsBytes)
+{
+    EXPECT_GT(Make<CQSString>("\x80").Compare("\x7F"), 0);
+    EXPECT_EQ(-1, Make<CQSString>("\xE9").CompareNoCase("\xC9")) << "ASCII only";
+    auto other = Make<CQSString>("a\0x"s);
+    EXPECT_EQ(0, Make<CQSString>("A\0X"s).CompareNoCase(other));
+    EXPECT_EQ(-1, Make<CQSString>("A\0Y"s).CompareNoCase(other));
+    const auto s = Make<CQSString>("abcb");
+    ExpectAll(1,
+              {s.Find('b', 1, 100), s.Find('b', 0, 2), Make<CQSString>(" \v").FindFirstValidChar(0),
+               Make<CQSString>("x\n").FindFirstValidChar(0) + 1});
+    ExpectAll(-1, {s.Find('b', 2, 2), s.Find('b', 2, 3), s.Find('b', -1, 3), s.Find('b', 4, 9),
+                   s.FindFirstValidChar(-1), s.FindFirstValidChar(4),
+                   Make<CQSString>("x \t\r").FindFirstValidChar(1)});
+}
+
+TEST(ByteString, OneSidedAndCountedTrimsDifferWhereNothingIsLeft)
+{
+    ExpectAfter<CQSString>(" \n", "", [](auto& s) { s.TrimLeft(); });
+    ExpectAfter<CQSString>(" \n", "", [](auto& s) { s.TrimRight(); });
+    const auto s = Make<CQSString>("hello");
+    const struct {
+        int n;
+        const char *left, *right, *both;
+    } rows[] = {{2, "llo", "hel", "l"},
+                {-2, "hello", "hello", "hello"},
+                {5, "kept", "kept", ""},
+                {IntMax, "kept", "kept", ""}};
+    for (const auto& row : rows) {
+        ExpectAfter<CQSString>("kept", row.left, [&](auto& out) { s.TrimLeft(row.n, out); });
+        ExpectAfter<CQSString>("kept", row.right, [&](auto& out) { s.TrimRight(row.n, out); });
+        ExpectAfter<CQSString>("kept", row.both,
+                               [&](auto& out) { s.TrimRightAndLeft(row.n, row.n, out); });
+    }
+    ExpectAfter<CQSString>("kept", "el", [&](auto& out) { s.TrimRightAndLeft(1, 2, out); });
+    ExpectAfter<CQSString>("kept", "kept",
+                           [](auto& out) { CQSString().TrimRightAndLeft(1, 1, out); });
+    ExpectAfter<CQSString>("kept", "pt", [](auto& out) { out.TrimLeft(2, out); });
+}
+
+// Edges of the letter ranges, from Python's str.upper() and str.lower() on Latin-1. Where those
+// leave Latin-1 (0xB5, 0xFF) or change the length (0xDF) the byte stays.
+TEST(ByteString, MapsLatin1AndOnlyMakeLowerToleratesNothing)
+{
+    AssertRecorder recorder;
+    ExpectAfter<CQSString>("`az{\xB5\xDF\xE0\xF6\xF7\xF8\xFE\xFF",
+                           "`AZ{\xB5\xDF\xC0\xD6\xF7\xD8\xDE\xFF", [](auto& s) { s.MakeUpper(); });
+    ExpectAfter<CQSString>("@AZ[\0\xBF\xC0\xD6\xD7\xD8\xDE\xDF"s,
+                           "@az[\0\xBF\xE0\xF6\xD7\xF8\xFE\xDF"s, [](auto& s) { s.MakeLower(); });
+    ExpectAfter<CQSString>("", "", [](auto& s) { s.MakeLower(); });
+    char text[] = "ABC";
+    CQSString::MakeLower(text, 2);
+    ExpectReports<CQSString>(recorder, {});
     CQSString().MakeUpper();
-    CQSString::MakeLower(all.data() + 'B', 0);
+    CQSString::MakeLower(text + 2, 0);
+    ExpectReports<CQSString>(recorder,
+                             {"m_pData != NULL && m_nLen > 0", "lpszStart != NULL && nLen > 0"});
     CQSString::MakeLower(nullptr, 1);
-    ExpectReports(recorder, {"m_pData != NULL && m_nLen > 0", "lpszStart != NULL && nLen > 0",
-                             "lpszStart != NULL && nLen > 0"});
-    EXPECT_EQ("@aB", all.substr('@', 3));
-}
-
-TEST(ByteStringReplace, CountsAndRebuildsLeftToRight)
-{
-    EXPECT_EQ("2 bb", Replaced("aaaa", "aa", "b"));
-    EXPECT_EQ("1 aaaa", Replaced("aaa", "aa", "aaa"));
-    EXPECT_EQ("3 ", Replaced("aaa", "a", nullptr));
-    EXPECT_EQ("2 abc", Replaced("axbxc", "x", ""));
-    EXPECT_EQ("1 \0yz\0"s, Replaced("\0x\0"s, "x", "yz"));
-    EXPECT_EQ("0 xa", Replaced("xa", "x", "x"));
-    EXPECT_EQ("0 xa", Replaced("xa", "", "y"));
-    EXPECT_EQ("0 xa", Replaced("xa", "b", "y"));
-    EXPECT_EQ("-1 xa", Replaced("xa", nullptr, ""));
-    EXPECT_EQ("0 ", Replaced("", nullptr, ""));
+    ExpectReports<CQSString>(recorder, {"lpszStart != NULL && nLen > 0"});
+    EXPECT_STREQ("abC", text);
 }
 
 // Each removal lets the next byte slip past the check, and nothing behind the new end is reset.
-TEST(ByteStringFilter, SkipsTheByteAfterARemovedOneAndDoesNotTerminate)
+TEST(ByteString, FilterSkipsTheByteAfterARemovedOneAndDoesNotTerminate)
 {
-    const struct {
-        const char *text, *kept, *behind;
-    } rows[] = {
+    const std::string rows[][3] = {
         {"\x41\x01\x02\x42", "\x41\x02\x42", "\x42"},
         {"\x01\x02\x03\x04\x7F", "\x02\x04", "\x7F\x7F\x7F"},
         {"~\xE9 \x1F", "~ ", "\x1F\x1F"},
         {"\n", "", "\n"},
     };
     for (const auto& [text, kept, behind] : rows) {
-        CQSString s = Make(text);
+        auto s = Make<CQSString>(text);
         const char* const before = s.GetDataPtr();
         s.FilterInvisibleChar();
         EXPECT_EQ(before, s.GetDataPtr());
-        EXPECT_EQ(kept, Bytes(s));
-        EXPECT_STREQ(behind, s.GetDataPtr() + s.GetLength());
+        EXPECT_EQ(static_cast<int>(kept.size()), s.GetLength());
+        EXPECT_EQ(kept + behind, before);
     }
 }
 
-TEST(ByteStringTests, PrefixAndSuffixAlwaysMindTheCase)
+TEST(ByteString, HexStringLooksAtTheFirstByteAlone)
 {
-    AssertRecorder recorder;
-    const CQSString s = Make("file.txt");
-    ExpectAll(1, {s.IsStartWith("file"), s.IsStartWithNoCase("file"), s.IsEndWith(".txt"),
-                  s.IsEndWithNoCase(".txt"), s.IsEndWith(""), CQSString().IsStartWith("")});
-    ExpectAll(0, {s.IsStartWith("File"), s.IsStartWithNoCase("FILE"), s.IsEndWith("file."),
-                  s.IsEndWithNoCase("TXT"), s.IsStartWith("file.txt~"),
-                  Make("a\0b"s).IsStartWith("ab")});
-    ExpectReports(recorder, {});
-    ExpectAll(0, {s.IsStartWith(nullptr), s.IsStartWithNoCase(nullptr), s.IsEndWith(nullptr),
-                  s.IsEndWithNoCase(nullptr)});
-    ExpectReports(recorder, std::vector<const char*>(4, "lpszSub != NULL"));
-}
-
-TEST(ByteStringNumbers, DecimalStopsAtTheFirstForeignByteAndHexSkipsIt)
-{
-    AssertRecorder recorder;
-    const struct {
-        const char* text;
-        int decimal;
-        unsigned int unsignedDecimal, hex;
-    } rows[] = {
-        {"123", 123, 123, 0x123},
-        {"-45", -45, 45, 0x45},
-        {"12a3", 3, 3, 0x12A3},
-        {"-1-2", -2, 2, 0x12},
-        {"0x1F", 0, 0, 0x1F},
-        {"ff", 0, 0, 255},
-        {"g", 0, 0, 0},
-        {"B:EF", 0, 0, 0xBEF},
-        {"4294967297", 1, 1, 0x94967297},
-        {"-4294967295", 1, 0xFFFFFFFF, 0x94967295},
-    };
-    for (const auto& [text, decimal, unsignedDecimal, hex] : rows) {
-        EXPECT_EQ(decimal, Make(text).ToINT()) << text;
-        EXPECT_EQ(unsignedDecimal, Make(text).ToUINT()) << text;
-        EXPECT_EQ(hex, static_cast<unsigned int>(Make(text).ToHEX())) << text;
-    }
-    ExpectReports(recorder, {});
-    ExpectAll(-1, {CQSString().ToINT(), CQSString().ToHEX()});
-    EXPECT_EQ(0U, CQSString().ToUINT());
-    ExpectReports(recorder, {"m_pData != NULL", "m_nLen > 0", "m_pData != NULL", "m_nLen > 0",
-                             "m_pData != NULL", "m_nLen > 0"});
-    EXPECT_EQ("-2147483648", After([](CQSString& s) { s.ToString(-2147483647 - 1); }));
-    EXPECT_EQ("4294967295", After([](CQSString& s) { s.ToString(4294967295U); }));
-}
-
-TEST(ByteStringNumbers, HexStringLooksAtTheFirstByteAlone)
-{
-    const std::pair<std::string, std::string> converted[] = {
-        {"a1", "A1"},
-        {"Fg z", "Fg z"},
-        {"255", "FF"},
-        {"2 5", "0"},
-        {"255 ", "0"},
-        {"9\0z"s, "9"},
-        {"18446744073709551616", "0"},
-        {"18446744073709551615", "FFFFFFFFFFFFFFFF"},
-    };
-    for (const auto& [text, hex] : converted) {
-        CQSString s = Make(text);
-        EXPECT_EQ(1, s.ToHexString());
+    for (const auto& [text, hex] :
+         {std::pair("a1"s, "A1"s), std::pair("Fg z"s, "Fg z"s), std::pair("255"s, "FF"s),
+          std::pair("2 5"s, "0"s), std::pair("255 "s, "0"s), std::pair("9\0z"s, "9"s),
+          std::pair("18446744073709551616"s, "0"s),
+          std::pair("18446744073709551615"s, "FFFFFFFFFFFFFFFF"s)}) {
         std::string units;
         for (const char c : hex) {
             units += {'\0', c};
         }
-        EXPECT_EQ(units, Bytes(s));
+        ExpectAfter<CQSString>(text, units, [](auto& s) { EXPECT_EQ(1, s.ToHexString()); });
     }
-    for (const char* const refused : {"0A", "g", " 1", ""}) {
-        EXPECT_EQ(refused, After([](CQSString& s) { EXPECT_EQ(0, s.ToHexString()); }, refused));
+    for (const char* const text : {"0A", "g", " 1", ""}) {
+        ExpectAfter<CQSString>(text, text, [](auto& s) { EXPECT_EQ(0, s.ToHexString()); });
     }
 }
 
 // Expected values computed in Python from the published FNV-1a constants and the mix.
-TEST(ByteStringNumbers, HashIsMixedFnv1aOverUnsignedBytes)
+TEST(ByteString, HashIsMixedFnv1aOverUnsignedBytes)
 {
     for (const auto& [text, hash] : {std::pair(""s, 1493338014), std::pair("hello"s, -350039927),
                                      std::pair("\xFF\0\x80"s, 1646029255)}) {
-        CQSString s = Make(text);
+        auto s = Make<CQSString>(text);
         EXPECT_EQ(hash, static_cast<int>(CQSString::GetHashCode(s)));
-        EXPECT_EQ(std::to_string(hash), After([&](CQSString& out) { s.ToHashString(out); }));
+        ExpectAfter<CQSString>("kept", std::to_string(hash),
+                               [&](auto& out) { s.ToHashString(out); });
+    }
+}
+
+TEST(WideString, FirstBufferIsExactAndLaterOnesKeepAReserve)
+{
+    const int rows[][3] = {{1, 2, 4},      {4, 5, 10},     {10, 11, 22}, {512, 600, 1112},
+                           {5, 512, 1024}, {5, 513, 1025}, {600, 3, 600}};
+    for (const auto& [first, requested, capacity] : rows) {
+        CQWString s(first);
+        EXPECT_EQ(0, s.GetLength());
+        EXPECT_EQ(requested > first ? 1 : 0, s.PrepareBufferToWrite(requested));
+        EXPECT_EQ(0, s.PrepareBufferToWrite(capacity));
+        const auto size = static_cast<size_t>(capacity) + 1;
+        EXPECT_EQ(std::wstring(size, 0), std::wstring(+s, size));
+        EXPECT_EQ(1, s.PrepareBufferToWrite(capacity + 1));
+    }
+    auto s = Make<CQWString>("aXa");
+    s.AppendChar('a');
+    EXPECT_EQ(0, s.PrepareBufferToWrite(8)) << "twice the new length";
+    EXPECT_EQ(3, s.Replace(L"a", L"bcd"));
+    EXPECT_EQ(0, s.PrepareBufferToWrite(20)) << "twice the new length";
+    EXPECT_EQ(3, s.DeleteSubString(L"bcd"));
+    ExpectAll(0, {s.DeleteSubString(nullptr), s.DeleteSubString(L"")});
+    EXPECT_EQ(1, s.PrepareBufferToWrite(21));
+    EXPECT_EQ("X", Content(s));
+}
+
+TEST(WideString, ZeroSizesReleaseTheBufferAndBadOnesChangeNothing)
+{
+    AssertRecorder recorder;
+    auto s = Make<CQWString>("abc");
+    s.SetStrEnding(-1);
+    s.AllocBuffer(-1);
+    CQWString(-5).SetStrEnding(1);
+    ExpectReports<CQWString>(recorder, {});
+    EXPECT_EQ(0, s.PrepareBufferToWrite(-1));
+    s.SetStrEnding(4);
+    ExpectReports<CQWString>(recorder, {"nLen >= 0", "nLen >= 0&& m_nMAXLen >= nLen"});
+    EXPECT_EQ("abc", Content(s));
+    EXPECT_EQ(0, s.PrepareBufferToWrite(0));
+    EXPECT_EQ(nullptr, s.GetDataPtr());
+    s.SetData(L"abc");
+    s.AllocBuffer(0);
+    EXPECT_EQ(nullptr, s.GetDataPtr()) << "unlike the byte string's, which keeps the contents";
+    s.SetData(L"abc");
+    EXPECT_EQ(0, s.PrepareBufferToWrite(0x1FFFFFFF)) << "more than a 32-bit host could hold";
+    EXPECT_EQ(nullptr, s.GetDataPtr());
+}
+
+TEST(WideString, SetDataEndsAtAZeroUnitAndPlatformStringsKeepTheirCount)
+{
+    auto s = Make<CQWString>("de");
+    EXPECT_EQ(1, s.SetData(s.GetDataPtr(), 3)) << "the terminator makes it grow";
+    EXPECT_EQ("de", Content(s));
+    unsigned char shifted[4 * sizeof(wchar_t) + 1];
+    std::memcpy(shifted + 1, L"wide", 4 * sizeof(wchar_t));
+    ExpectAll(1, {s.SetData(shifted + 1, 4), s.AppendData(shifted + 1, 2), s.AppendNum(-7)});
+    EXPECT_EQ("widewi-7", Content(s));
+    for (QString text : {QString::fromUtf8("ab\xF0\x9F\x98\x80"), QString(), QString(QChar(0))}) {
+        EXPECT_EQ(0, s.SetData(text));
+        EXPECT_EQ("widewi-7", Content(s));
+    }
+    QString zeroInside = QString::fromLatin1("\xE9\0x", 3);
+    EXPECT_EQ(1, s.SetData(zeroInside));
+    EXPECT_EQ("\xE9", Content(s));
+    EXPECT_EQ(nullptr, CQWString(QString()).GetDataPtr());
+    const CQWString pair(QString::fromUtf8("\xF0\x9F\x98\x80!"));
+    EXPECT_EQ(L"\U0001F600!\0"s, std::wstring(+pair, pair + pair.GetLength()));
+}
+
+TEST(WideString, EmptyingAndAssigningKeepTheBufferWhileCopiesAreExact)
+{
+    auto s = Make<CQWString>("secret");
+    const wchar_t* const buffer = s.GetDataPtr();
+    s = CQWString();
+    ASSERT_EQ(buffer, s.GetDataPtr());
+    EXPECT_EQ(std::wstring(6, 0), std::wstring(buffer, 6));
+    EXPECT_FALSE(s == CQWString()) << "an empty buffer is not the same as none";
+    EXPECT_EQ(0, s.CompareNoCase(L""));
+    EXPECT_EQ(nullptr, CQWString(s).GetDataPtr());
+    const_cast<wchar_t*>(buffer)[0] = L'x';
+    s.Empty();
+    EXPECT_EQ(0, *buffer) << "the unit at the length goes too";
+    s = Make<CQWString>("a\0c"s);
+    CQWString copy(s);
+    EXPECT_EQ("a\0c"s, Content(copy)) << "copies do not cut at a zero unit";
+    EXPECT_EQ(1, copy.PrepareBufferToWrite(4));
+    EXPECT_EQ(buffer, CQWString(std::move(s)).GetDataPtr());
+    EXPECT_EQ(nullptr, s.GetDataPtr()); // NOLINT(bugprone-use-after-move)
+}
+
+TEST(WideString, CountsIn32BitUnitsAndFoldsTheirCase)
+{
+    const CQWString s = Wide(L"\U0001F600ab\u4E2D-ab\u4E2E");
+    ExpectAll(5, {s.Find(L"ab", 2), s.FindofLast(L'a')});
+    ExpectAll(0, {s.Find(L'\U0001F600'), s.Find(L"\U0001F600")});
+    ExpectAll(-1, {s.FindofLast(L'x'), CQWString().FindofLast(0)});
+    EXPECT_LT(Wide(L"a\u4E2D").Compare(L"a\u4E2E"), 0);
+    EXPECT_EQ(-1, Wide(L"\u00E9").CompareNoCase(L"\u00C9")) << "ASCII only";
+    const wchar_t noCodePoint[] = {0x7FFFFFFF, L'a', 0};
+    ExpectAll(1, {Wide(L"\u03A3\u0416").IsStartWithNoCase(L"\u03C2"), // final sigma
+                  Wide(L"a\U00010400").IsEndWithNoCase(L"\U00010428"),
+                  Wide(noCodePoint).IsStartWithNoCase(noCodePoint)});
+    EXPECT_EQ(0, Wide(L"a\u00DF").IsEndWithNoCase(L"SS")) << "folding goes unit by unit";
+}
+
+// Mappings from the Unicode character database (UnicodeData.txt, SpecialCasing.txt).
+TEST(WideString, CaseMappingIsFullUnicodeWithinTheOldLength)
+{
+    // Units that are no code point stay, in their order, behind a text that grew.
+    const wchar_t opaque[] = {0xDF, 0x7FFFFFFF, 0xFFFF, 0xD800, L'a', 0};
+    const wchar_t opaqueUpper[] = {L'S', L'S', 0x7FFFFFFF, 0xFFFF, 0xD800, 0};
+    const wchar_t* rows[][3] = {
+        {L"aZ\u00E9\u0416[", L"AZ\u00C9\u0416[", L"az\u00E9\u0436["},
+        {L"stra\u00DFe", L"STRASS", L"stra\u00DFe"},
+        {L"\U00010428\U00010400", L"\U00010400\U00010400", L"\U00010428\U00010428"},
+        {opaque, opaqueUpper, opaque}};
+    for (const auto& [text, upper, lower] : rows) {
+        CQWString s = Wide(text);
+        s.MakeUpper();
+        EXPECT_STREQ(upper, s);
+        EXPECT_EQ(CQWString::SafeStrlen(text), s.GetLength());
+        s.SetData(text);
+        s.MakeLower();
+        EXPECT_STREQ(lower, s);
+    }
+    AssertRecorder recorder;
+    CQWString().MakeUpper();
+    CQWString(3).MakeLower();
+    ExpectReports<CQWString>(recorder, {2, "m_pData != NULL && m_nLen > 0"});
+}
+
+TEST(WideString, NumbersInABaseTakeEveryUnitForADigit)
+{
+    const auto numbers = [](const wchar_t* text) {
+        return std::pair(Wide(text).ToINT(16), Wide(text).ToINT(8));
+    };
+    const wchar_t belowZero[] = {static_cast<wchar_t>(0xFFFFFFF0), L'1', 0};
+    EXPECT_EQ(std::pair(0x102, 0102), numbers(L"-1-2")) << "no sign, and nothing stops it";
+    EXPECT_EQ(std::pair(0x19, 17), numbers(L"19")) << "a digit need not belong to the base";
+    EXPECT_EQ(std::pair(0, 0), numbers(L"@:`/g\u0661"));
+    EXPECT_EQ(std::pair(1, 1), numbers(belowZero));
+    EXPECT_EQ(std::pair(-1802079593, 590671567), numbers(L"4294967297")) << "modulo 2^32";
+    const CQWString s = Wide(L"12");
+    EXPECT_EQ(0x12, s.ToNum(CQWString::enHexNum));
+    EXPECT_EQ(12, s.ToNum(CQWString::enDecNum));
+    ExpectAll(-1, {s.ToNum(static_cast<CQWString::enNumType>(2)), s.ToINT(1), s.ToINT(-16)});
+    AssertRecorder recorder;
+    EXPECT_EQ(-1, CQWString(1).ToINT(10));
+    ExpectReports<CQWString>(recorder, {"m_nLen > 0"});
+    ExpectAfter<CQWString>("kept", "EDCBA98", [](auto& out) { out.ToStringEx(0x0EDCBA98); });
+}
+
+// The sums of (byte % 10) x 10^k modulo 2^32, computed in Python.
+TEST(WideString, TextMapsToTheDigitsOfItsBytes)
+{
+    for (const auto& [text, value] :
+         {std::pair(L"AB", 56), std::pair(L"", 0), std::pair(L"abcdefghijkl", -1261636786),
+          std::pair(L"\u00E9\u20AC\U0001F600", 596020928)}) {
+        CQWString s = Wide(text);
+        EXPECT_EQ(value, CQWString::EncryptStrToInt(s));
     }
 }
