@@ -1,9 +1,9 @@
 #include "BaseUtil.h"
 
 #include "CStrConvertor.h"
+#include "HexDigits.h"
 #include "OrvoAssert.h"
-
-#include <QDateTime>
+#include "SystemTime.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -14,23 +14,7 @@
 namespace
 {
 
-constexpr char source[] = "src/BaseUtil";
-
-/// Value of a hexadecimal digit, or -1.
-template <typename Unit>
-int HexDigit(Unit c)
-{
-    if (c >= '0' && c <= '9') {
-        return static_cast<int>(c - '0');
-    }
-    if (c >= 'a' && c <= 'f') {
-        return static_cast<int>(c - 'a') + 10;
-    }
-    if (c >= 'A' && c <= 'F') {
-        return static_cast<int>(c - 'A') + 10;
-    }
-    return -1;
-}
+constexpr char Source[] = "src/BaseUtil";
 
 bool IsSpace(char c)
 {
@@ -44,7 +28,7 @@ unsigned char ToLower(unsigned char c)
 
 void CopySwapped(unsigned char* dst, const unsigned char* src, int length)
 {
-    if (!OrvoAssert(dst != nullptr && src != nullptr && length >= 0, "false", source)) {
+    if (!OrvoAssert(dst != nullptr && src != nullptr && length >= 0, "false", Source)) {
         return;
     }
     for (int i = 0; i + 1 < length; i += 2) {
@@ -58,8 +42,8 @@ void CopySwapped(unsigned char* dst, const unsigned char* src, int length)
 std::uint64_t ParseHex(const char* p, const char* end)
 {
     std::uint64_t value = 0;
-    for (; p != end && HexDigit(*p) >= 0; ++p) {
-        value = std::min<std::uint64_t>(value << 4 | static_cast<unsigned>(HexDigit(*p)),
+    for (; p != end && HexDigitValue(*p) >= 0; ++p) {
+        value = std::min<std::uint64_t>(value << 4 | static_cast<unsigned>(HexDigitValue(*p)),
                                         UINT64_C(0x100000000));
     }
     return value;
@@ -89,7 +73,7 @@ void ChangeUnicodeEnd(char* p, int nLen)
 
 int GetCurTime()
 {
-    return static_cast<std::int32_t>(QDateTime::currentSecsSinceEpoch());
+    return SystemTime::Seconds(QDateTime::currentDateTimeUtc());
 }
 
 void QSleep(unsigned int) {}
@@ -97,7 +81,7 @@ void QSleep(unsigned int) {}
 int CBaseUtil::StrToUL(char* str, int len, int, unsigned long& out)
 {
     out = 0;
-    if (!OrvoAssert(str != nullptr && len > 0, "str != NULL && len > 0", source, 493)) {
+    if (!OrvoAssert(str != nullptr && len > 0, "str != NULL && len > 0", Source, 493)) {
         return 0;
     }
     const char* p = str;
@@ -129,8 +113,8 @@ int CBaseUtil::wtoh(wchar_t const* s, int len)
     }
     const bool negative = *s == L'-';
     std::uint32_t value = 0;
-    for (int i = negative ? 1 : 0; i < len && HexDigit(s[i]) >= 0; ++i) {
-        value = value << 4 | static_cast<std::uint32_t>(HexDigit(s[i]));
+    for (int i = negative ? 1 : 0; i < len && HexDigitValue(s[i]) >= 0; ++i) {
+        value = value << 4 | static_cast<std::uint32_t>(HexDigitValue(s[i]));
     }
     return static_cast<std::int32_t>(negative ? 0U - value : value);
 }
@@ -187,14 +171,14 @@ unsigned char* CBaseUtil::SearchMemNoCase(unsigned char* mem, int memLen, char* 
 
 void CBaseUtil::MakeLowerCase(unsigned char* p, int len)
 {
-    if (OrvoAssert(p != nullptr && len > 0, "pSrc != NULL && iLen > 0", source, 203)) {
+    if (OrvoAssert(p != nullptr && len > 0, "pSrc != NULL && iLen > 0", Source, 203)) {
         std::transform(p, p + len, p, ToLower);
     }
 }
 
 void CBaseUtil::CheckErrorWords(unsigned char* text, unsigned short len)
 {
-    constexpr unsigned char lineBreak = 12;
+    constexpr unsigned char LineBreak = 12;
     if (text == nullptr) {
         return;
     }
@@ -204,9 +188,9 @@ void CBaseUtil::CheckErrorWords(unsigned char* text, unsigned short len)
         }
         if (text[i] == '\r' && i + 3 < len && text[i + 2] == '\n' && text[i + 3] == 0) {
             text[i] = ' ';
-            text[i + 2] = lineBreak;
+            text[i + 2] = LineBreak;
         } else if (text[i] == '\r' || text[i] == '\n') {
-            text[i] = lineBreak;
+            text[i] = LineBreak;
         } else if (text[i] == '\t') {
             text[i] = ' ';
         }
