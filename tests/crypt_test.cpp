@@ -122,7 +122,7 @@ TEST(Envelope, DrawsFreshHeaderFillAndSalt)
 TEST(Envelope, RefusesWhatIsNoEnvelope)
 {
     const CCrypt crypt(Key.data(), 0, 0);
-    Bytes envelope = Hex("9e1fcd92ff90a6f617f8270ed2feb853f9132ad99cdcf52f");
+    const Bytes envelope = Hex("9e1fcd92ff90a6f617f8270ed2feb853f9132ad99cdcf52f");
     // A header of 7 leaves no room for salt and trailer in 16 bytes.
     Bytes sixteen(16);
     Tea::Store(Tea::Encipher({0x07000000, 0}, Tea::LoadKey(Key.data()), 16), sixteen.data());
@@ -140,12 +140,18 @@ TEST(Envelope, RefusesWhatIsNoEnvelope)
     EXPECT_TRUE(refuses(sixteen.data(), 16, out.data(), 8));
     EXPECT_TRUE(refuses(nullptr, 24, out.data(), 8));
     EXPECT_TRUE(refuses(envelope.data(), 24, nullptr, 8));
-    // Callers get length and payload before the trailer turns out to be wrong.
-    envelope[23] ^= 1;
-    int room = 8;
-    EXPECT_FALSE(crypt.Decrypt(envelope.data(), 24, out.data(), room));
-    EXPECT_EQ(7, room);
-    EXPECT_EQ((Bytes{1, 1, 1, 1, 1, 1}), Bytes(out.begin(), out.begin() + 6));
+    // Callers get length and payload before a byte of the trailer turns out not to be zero.
+    const Tea::Key key = Tea::LoadKey(Key.data());
+    const Tea::Block head{0x00535301, 0x02030405};
+    for (const Tea::Block trailer : {Tea::Block{0x06010000, 0}, Tea::Block{0x06000000, 1}}) {
+        const Tea::Block first = Tea::Encipher(head, key, 16);
+        Tea::Store(first, sixteen.data());
+        Tea::Store(Tea::Encipher(trailer ^ first, key, 16) ^ head, sixteen.data() + 8);
+        int room = 8;
+        EXPECT_FALSE(crypt.Decrypt(sixteen.data(), 16, out.data(), room));
+        EXPECT_EQ(6, room);
+        EXPECT_EQ(Hex("0102030405060000"), out);
+    }
 }
 
 // The default object sizes envelopes but does not encipher.
@@ -161,7 +167,7 @@ TEST(CCrypt, SelectorsAreAsymmetric)
     int size = -7;
     crypt.Encrypt(Key.data(), 5, out.data(), size);
     crypt.SetArith(0, 1);
-    Bytes envelope = Hex("edb071a2feb5254d932053706ceb8ab6");
+    const Bytes envelope = Hex("edb071a2feb5254d932053706ceb8ab6");
     int room = 24;
     EXPECT_FALSE(crypt.Decrypt(envelope.data(), 16, out.data(), room));
     crypt.Encrypt(Key.data(), -1, out.data(), size);
