@@ -12,15 +12,15 @@
 namespace
 {
 
-constexpr char source[] = "Orvo/CQPath";
+constexpr char Source[] = "Orvo/CQPath";
 
-constexpr char appRoot[] = "opt/orvoapp";
-constexpr char browserRoot[] = "opt/orvoapp\\Browser";
-constexpr char downloadRoot[] = "tmp/orvoappdownload";
+constexpr char AppRoot[] = "opt/orvoapp";
+constexpr char BrowserRoot[] = "opt/orvoapp\\Browser";
+constexpr char DownloadRoot[] = "tmp/orvoappdownload";
 
 // "opt/orvoapp/config/clientsettings/" in the envelope that DecodeFileName() opens: enciphered
 // once, under FileNameKey(), by a script that implements the envelope independently.
-constexpr unsigned char configRoot[48] = {
+constexpr unsigned char ConfigRoot[48] = {
     0x6b, 0xa1, 0xff, 0x86, 0xac, 0xe3, 0xd6, 0x68, 0x74, 0xe6, 0x2e, 0x23, 0xfc, 0x76, 0x3a, 0xa4,
     0xb0, 0xd6, 0x45, 0xb6, 0xcc, 0x01, 0xd2, 0xe6, 0xb6, 0xb6, 0x32, 0x08, 0xab, 0x93, 0x3e, 0x43,
     0x62, 0xe3, 0x5e, 0x1c, 0x07, 0x05, 0x67, 0xd4, 0x1c, 0xb0, 0x7e, 0x4c, 0x3f, 0x2f, 0xec, 0xe7,
@@ -39,12 +39,12 @@ void FormatDirectory(CQSString& out, const char* root, const char* directory)
 
 void FormatAppFile(CQSString& out, const char* file)
 {
-    CBaseUtil::FormatString(out, "%c%s\\%s", Disc(), appRoot, file);
+    CBaseUtil::FormatString(out, "%c%s\\%s", Disc(), AppRoot, file);
 }
 
 void FormatBrowserFile(CQSString& out, const char* file)
 {
-    CBaseUtil::FormatString(out, "%c%s\\%s", Disc(), browserRoot, file);
+    CBaseUtil::FormatString(out, "%c%s\\%s", Disc(), BrowserRoot, file);
 }
 
 void FormatFileIn(CQSString& out, const char* dir, const char* file)
@@ -68,7 +68,7 @@ std::array<unsigned char, 16> FileNameKey()
 
 void CQPath::GetAppDataRoot(CQSString& out)
 {
-    CBaseUtil::FormatString(out, "%c%s\\", Disc(), appRoot);
+    CBaseUtil::FormatString(out, "%c%s\\", Disc(), AppRoot);
 }
 
 void CQPath::GetUserDataRoot(CQSString& out)
@@ -78,17 +78,17 @@ void CQPath::GetUserDataRoot(CQSString& out)
 
 void CQPath::GetBrowserRoot(CQSString& out)
 {
-    FormatDirectory(out, appRoot, "Browser");
+    FormatDirectory(out, AppRoot, "Browser");
 }
 
 void CQPath::GetHttpCookiesRoot(CQSString& out)
 {
-    FormatDirectory(out, browserRoot, "Cookies");
+    FormatDirectory(out, BrowserRoot, "Cookies");
 }
 
 void CQPath::GetDownloadRoot(CQSString& out, char disc)
 {
-    CBaseUtil::FormatString(out, "%c%s\\", disc != 0 ? disc : Disc(), downloadRoot);
+    CBaseUtil::FormatString(out, "%c%s\\", disc != 0 ? disc : Disc(), DownloadRoot);
 }
 
 void CQPath::GetHttpTempRoot(CQSString& out)
@@ -98,9 +98,9 @@ void CQPath::GetHttpTempRoot(CQSString& out)
 
 void CQPath::GetConfigRoot(CQSString& out)
 {
-    OrvoAssert(false, "0", source, 59);
+    OrvoAssert(false, "0", Source, 59);
     CQSString name;
-    name.SetData(const_cast<unsigned char*>(configRoot), sizeof configRoot);
+    name.SetData(const_cast<unsigned char*>(ConfigRoot), sizeof ConfigRoot);
     if (DecodeFileName(name)) {
         CBaseUtil::FormatString(out, "%c%s", Disc(), name.GetDataPtr());
     }
@@ -174,7 +174,7 @@ void CQPath::GetSkinPath(CQSString& out)
 void CQPath::GetLastIMEIUploadLogFile(unsigned int account, CQWString& out)
 {
     CQSString path;
-    CBaseUtil::FormatString(path, "%c%s\\%u\\hwUl.info", Disc(), appRoot, account);
+    CBaseUtil::FormatString(path, "%c%s\\%u\\hwUl.info", Disc(), AppRoot, account);
     // By the constructor: assigning a byte string would pack two characters into a unit.
     out = CQWString(path);
 }
@@ -196,33 +196,33 @@ void CQPath::GetPVDataFilePath(CQSString& out)
 
 void CQPath::GetBrowserOptionsFilePath(CQSString& out)
 {
-    OrvoAssert(false, "0", source, 352);
+    OrvoAssert(false, "0", Source, 352);
     FormatBrowserFile(out, "option.info");
 }
 
 void CQPath::GetTolloLogCacheFilePath(CQSString& out, unsigned int account)
 {
-    CBaseUtil::FormatString(out, "%c%s\\tollocache_%u.info", Disc(), browserRoot, account);
+    CBaseUtil::FormatString(out, "%c%s\\tollocache_%u.info", Disc(), BrowserRoot, account);
 }
 
 void CQPath::GetTolloLogDraftFilePath(CQSString& out, unsigned int account)
 {
-    CBaseUtil::FormatString(out, "%c%s\\tollodraft_%u.info", Disc(), browserRoot, account);
+    CBaseUtil::FormatString(out, "%c%s\\tollodraft_%u.info", Disc(), BrowserRoot, account);
 }
 
 void CQPath::GetImageFilePath(CQSString& out)
 {
-    FormatDirectory(out, downloadRoot, "Image");
+    FormatDirectory(out, DownloadRoot, "Image");
 }
 
 void CQPath::GetFileRecvPath(CQSString& out)
 {
-    FormatDirectory(out, downloadRoot, "FileRecv");
+    FormatDirectory(out, DownloadRoot, "FileRecv");
 }
 
 void CQPath::GetRecordAudioName(CQSString& out, unsigned long long const& stamp)
 {
-    CBaseUtil::FormatString(out, "%c%s\\Audio\\Orvo%010d.amr", Disc(), downloadRoot,
+    CBaseUtil::FormatString(out, "%c%s\\Audio\\Orvo%010d.amr", Disc(), DownloadRoot,
                             static_cast<int>(stamp));
 }
 

@@ -1,10 +1,9 @@
 #include "BaseUtil.h"
 
 #include "CStrConvertor.h"
+#include "HexDigits.h"
 #include "OrvoAssert.h"
-#include "TextUnits.h"
-
-#include <QDateTime>
+#include "SystemTime.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -15,7 +14,7 @@
 namespace
 {
 
-constexpr char source[] = "src/BaseUtil";
+constexpr char Source[] = "src/BaseUtil";
 
 bool IsSpace(char c)
 {
@@ -29,7 +28,7 @@ unsigned char ToLower(unsigned char c)
 
 void CopySwapped(unsigned char* dst, const unsigned char* src, int length)
 {
-    if (!OrvoAssert(dst != nullptr && src != nullptr && length >= 0, "false", source)) {
+    if (!OrvoAssert(dst != nullptr && src != nullptr && length >= 0, "false", Source)) {
         return;
     }
     for (int i = 0; i + 1 < length; i += 2) {
@@ -74,7 +73,7 @@ void ChangeUnicodeEnd(char* p, int nLen)
 
 int GetCurTime()
 {
-    return static_cast<std::int32_t>(QDateTime::currentSecsSinceEpoch());
+    return SystemTime::Seconds(QDateTime::currentDateTimeUtc());
 }
 
 void QSleep(unsigned int) {}
@@ -82,7 +81,7 @@ void QSleep(unsigned int) {}
 int CBaseUtil::StrToUL(char* str, int len, int, unsigned long& out)
 {
     out = 0;
-    if (!OrvoAssert(str != nullptr && len > 0, "str != NULL && len > 0", source, 493)) {
+    if (!OrvoAssert(str != nullptr && len > 0, "str != NULL && len > 0", Source, 493)) {
         return 0;
     }
     const char* p = str;
@@ -172,14 +171,14 @@ unsigned char* CBaseUtil::SearchMemNoCase(unsigned char* mem, int memLen, char* 
 
 void CBaseUtil::MakeLowerCase(unsigned char* p, int len)
 {
-    if (OrvoAssert(p != nullptr && len > 0, "pSrc != NULL && iLen > 0", source, 203)) {
+    if (OrvoAssert(p != nullptr && len > 0, "pSrc != NULL && iLen > 0", Source, 203)) {
         std::transform(p, p + len, p, ToLower);
     }
 }
 
 void CBaseUtil::CheckErrorWords(unsigned char* text, unsigned short len)
 {
-    constexpr unsigned char lineBreak = 12;
+    constexpr unsigned char LineBreak = 12;
     if (text == nullptr) {
         return;
     }
@@ -189,9 +188,9 @@ void CBaseUtil::CheckErrorWords(unsigned char* text, unsigned short len)
         }
         if (text[i] == '\r' && i + 3 < len && text[i + 2] == '\n' && text[i + 3] == 0) {
             text[i] = ' ';
-            text[i + 2] = lineBreak;
+            text[i + 2] = LineBreak;
         } else if (text[i] == '\r' || text[i] == '\n') {
-            text[i] = lineBreak;
+            text[i] = LineBreak;
         } else if (text[i] == '\t') {
             text[i] = ' ';
         }

@@ -48,7 +48,8 @@ public:
     // `out`; a null format counts as an empty one.
 
     /// Formats by the rules of QString::vasprintf(): C locale, %s reads UTF-8, %ls reads 16-bit
-    /// units. The text is stored as UTF-8.
+    /// units and not the wide text that the compiler's format check asks for. The text is stored
+    /// as UTF-8.
     [[gnu::format(printf, 2, 3)]] static void FormatString(CQSString& out, char const* format, ...);
     /// The same with a wide format; %s still reads UTF-8 bytes, not wide text. \a out receives
     /// one wide unit a character, also above U+FFFF.
@@ -84,7 +85,7 @@ public:
     static void DecodeCgi(QString* s);
     /// Returns the UTF-8 form of \a in with each byte as one wide unit; the bytes 1 to 32 and
     /// ? > < % # " are written as "%" and two lower-case hexadecimal digits. Characters beyond
-    /// U+FFFF are dropped. The flag is not used.
+    /// U+FFFF are dropped. Empty when memory cannot be had. The flag is not used.
     static CQWString EscapeString(CQWString& in, bool);
     /// Extracts the value of the query argument \a name, which must be followed by blanks or
     /// nothing and then "=".

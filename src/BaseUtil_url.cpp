@@ -2,6 +2,7 @@
 
 #include "CQSString.h"
 #include "CQWString.h"
+#include "HexDigits.h"
 #include "TextUnits.h"
 
 #include <cstring>
@@ -12,8 +13,6 @@
 
 namespace
 {
-
-constexpr char lowerHexDigits[] = "0123456789abcdef";
 
 /// Size of what UrlEncode() makes of \a bytes. Throws when it passes 2^31 - 1.
 int EncodedSize(const QByteArray& bytes)
@@ -33,9 +32,7 @@ char* AppendHexOf(const char* first, char* last)
 {
     char* write = last;
     for (const char* read = first; read != last; ++read) {
-        const auto byte = static_cast<unsigned char>(*read);
-        *write++ = lowerHexDigits[byte >> 4];
-        *write++ = lowerHexDigits[byte & 0x0F];
+        write = PutHexByte(write, static_cast<unsigned char>(*read));
     }
     return write;
 }
@@ -102,8 +99,8 @@ int CBaseUtil::UrlDecode(QByteArray const& in, QString** out)
 
 void CBaseUtil::DecodeCgi(QString* s)
 {
-    constexpr int longestText = 2048;
-    if (s == nullptr || s->size() > longestText) {
+    constexpr int LongestText = 2048;
+    if (s == nullptr || s->size() > LongestText) {
         return;
     }
     QString decoded;
@@ -134,12 +131,17 @@ CQWString CBaseUtil::EscapeString(CQWString& in, bool)
         return escaped;
     }
     escaped.AllocBuffer(static_cast<int>(length));
+    if (escaped.GetDataPtr() == nullptr) {
+        return escaped;
+    }
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
         if (IsEscaped(byte)) {
+            wchar_t digits[2];
+            PutHexByte(digits, byte);
             escaped.AppendChar(L'%');
-            escaped.AppendChar(static_cast<wchar_t>(lowerHexDigits[byte >> 4]));
-            escaped.AppendChar(static_cast<wchar_t>(lowerHexDigits[byte & 0x0F]));
+            escaped.AppendChar(digits[0]);
+            escaped.AppendChar(digits[1]);
         } else {
             escaped.AppendChar(static_cast<wchar_t>(byte));
         }
@@ -152,7 +154,7 @@ bool CBaseUtil::GetArgumentFormURL(CQSString const& url, char const* name, CQSSt
     if (name == nullptr || *name == '\0') {
         return false;
     }
-    constexpr auto none = std::string_view::npos;
+    constexpr auto None = std::string_view::npos;
     const std::string_view wanted(name);
     const std::string_view original = View(url);
     CQSString lower(url);
@@ -164,16 +166,16 @@ bool CBaseUtil::GetArgumentFormURL(CQSString const& url, char const* name, CQSSt
     std::size_t found = searched.find(wanted);
     std::size_t next = found + 1;
     bool foundEmpty = false;
-    while (found != none) {
+    while (found != None) {
         const std::size_t sign = searched.find_first_not_of("\n\r \t", found + wanted.size());
-        if (sign == none) {
+        if (sign == None) {
             break;
         }
         if (searched[sign] == '=') {
             const CQSString candidate = ArgumentValue(url, static_cast<int>(sign));
             if (!candidate.IsEmpty()) {
                 value = candidate;
-                return true;
+                return !value.IsEmpty();
             }
             foundEmpty = true;
             found = sign;

@@ -87,7 +87,7 @@ public:
     /// Ends the digest and writes its 16 bytes. \a state needs MD5_Init() before further use.
     static void MD5_Final(unsigned char* digest, tagMD5State* state);
 
-    /// Writes the 16-byte digest of \a len bytes; a negative length counts as 0.
+    /// Writes the 16-byte digest of \a len bytes. A negative length counts as 0, and so does null.
     static void Md5Hash(unsigned char* digest, const unsigned char* data, int len);
 
     /// Writes the digest of a zero-terminated text and returns 1. Returns 0 with \a hex untouched

@@ -2,6 +2,8 @@
 
 #include "CCrypt.h"
 
+#include "HexDigits.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -147,11 +149,9 @@ int CCrypt::MD5HashHexString(const char* text, _tag_THashHexString8& hex)
     }
     unsigned char digest[DigestSize];
     Md5Hash(digest, reinterpret_cast<const unsigned char*>(text), static_cast<int>(len));
-    constexpr char Digits[] = "0123456789abcdef";
     char* next = hex.m_szHex;
     for (const unsigned char byte : digest) {
-        *next++ = Digits[byte >> 4];
-        *next++ = Digits[byte & 15];
+        next = PutHexByte(next, byte);
     }
     *next = '\0';
     return 1;

@@ -36,7 +36,7 @@ CSystemCall::~CSystemCall() = default;
 
 int CSystemCall::GetCurrentTime()
 {
-    return static_cast<std::int32_t>(QDateTime::currentSecsSinceEpoch());
+    return SystemTime::Seconds(QDateTime::currentDateTimeUtc());
 }
 
 unsigned long long CSystemCall::GetCurrentTimeStamp()
@@ -63,16 +63,16 @@ QSize CSystemCall::GetScreenSizeInPixel()
 void CSystemCall::FileSizeExchange(unsigned int bytes, double& value, CQWString& unit,
                                    bool shortUnit)
 {
-    constexpr unsigned int kilobyte = 1024;
-    constexpr double perKilobyte = 1.0 / kilobyte;
+    constexpr unsigned int Kilobyte = 1024;
+    constexpr double PerKilobyte = 1.0 / Kilobyte;
     value = bytes;
-    if (bytes < kilobyte) {
+    if (bytes < Kilobyte) {
         unit.SetData(L"B");
-    } else if (bytes <= kilobyte * kilobyte) {
-        value *= perKilobyte;
+    } else if (bytes <= Kilobyte * Kilobyte) {
+        value *= PerKilobyte;
         unit.SetData(shortUnit ? L"K" : L"KB");
     } else {
-        value *= perKilobyte * perKilobyte;
+        value *= PerKilobyte * PerKilobyte;
         unit.SetData(shortUnit ? L"M" : L"MB");
     }
 }

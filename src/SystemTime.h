@@ -5,17 +5,23 @@
 #include <cstdint>
 
 /// \file
-/// The arithmetic behind CSystemCall's time operations, apart from the clock that feeds it.
-/// Internal: not installed.
+/// The arithmetic behind the time operations of CSystemCall and GetCurTime(), apart from the
+/// clock that feeds it. Internal; not installed.
 
 namespace SystemTime
 {
+
+/// GetCurTime() and CSystemCall::GetCurrentTime() at \a moment.
+inline int Seconds(const QDateTime& moment)
+{
+    return static_cast<std::int32_t>(moment.toSecsSinceEpoch());
+}
 
 /// CSystemCall::GetCurrentTimeStamp() at \a moment: the multiplication wraps at 32 bits, the
 /// addition does not.
 inline unsigned long long WrappedStamp(const QDateTime& moment)
 {
-    const auto seconds = static_cast<std::uint32_t>(moment.toSecsSinceEpoch());
+    const auto seconds = static_cast<std::uint32_t>(Seconds(moment));
     return static_cast<unsigned long long>(std::uint32_t{1000} * seconds) +
            static_cast<unsigned>(moment.time().msec());
 }
@@ -25,11 +31,11 @@ inline int CoarseSeconds(const QDateTime& moment)
 {
     const QDate date = moment.date();
     const QTime time = moment.time();
-    constexpr std::int64_t year = 31536000;
-    constexpr std::int64_t month = 2592000;
-    constexpr std::int64_t day = 86400;
-    return static_cast<std::int32_t>((date.year() - 1970) * year + date.month() * month +
-                                     date.day() * day + time.hour() * 3600 + time.minute() * 60 +
+    constexpr std::int64_t Year = 31536000;
+    constexpr std::int64_t Month = 2592000;
+    constexpr std::int64_t Day = 86400;
+    return static_cast<std::int32_t>((date.year() - 1970) * Year + date.month() * Month +
+                                     date.day() * Day + time.hour() * 3600 + time.minute() * 60 +
                                      time.second());
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HexDigits.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <string_view>
@@ -36,17 +38,6 @@ bool EqualNoCase(std::basic_string_view<Unit> a, std::basic_string_view<Unit> b)
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](Unit x, Unit y) { return AsciiUpper(x) == AsciiUpper(y); });
-}
-
-/// Value of a hexadecimal digit, or -1.
-template <class Unit>
-constexpr int HexDigit(Unit c)
-{
-    if (c >= '0' && c <= '9') {
-        return static_cast<int>(c - '0');
-    }
-    const Unit upper = AsciiUpper(c);
-    return upper >= 'A' && upper <= 'F' ? static_cast<int>(upper - 'A') + 10 : -1;
 }
 
 /// Value of the digits of \a base, at most 16, that end \a text, modulo 2^32.

@@ -22,6 +22,20 @@ std::string Path(void (*member)(CQSString&, Parameters...), Arguments... argumen
     return out.IsEmpty() ? "" : out.GetDataPtr();
 }
 
+/// What members write that take the string alone, each followed by a blank.
+template <typename... Members>
+std::string Names(Members... members)
+{
+    return (... + (Path(members) + ' '));
+}
+
+/// The same of members that take a directory, too.
+template <typename... Members>
+std::string NamesIn(const char* dir, Members... members)
+{
+    return (... + (Path(members, dir) + ' '));
+}
+
 CQSString Bytes(std::string bytes)
 {
     CQSString result;
@@ -33,67 +47,48 @@ CQSString Bytes(std::string bytes)
 
 TEST(Path, OfTheApplication)
 {
-    const struct {
-        void (*member)(CQSString&);
-        const char* file;
-    } rows[] = {{P::GetAppDataRoot, ""},
-                {P::GetUserDataRoot, ""},
-                {P::GetBrowserRoot, "Browser/"},
-                {P::GetHttpCookiesRoot, "Browser/Cookies/"},
-                {P::GetOperationGuideFile, "OpGuide.info"},
-                {P::GetRecentLoginFilePath, "recentLoginUser.info"},
-                {P::GetIAPFilePath, "OrvoIap.info"},
-                {P::GetPortalIdFilePath, "portalid.info"},
-                {P::GetOLFileDownloadRecordFile, "OL.dat"},
-                {P::GetBrowserDownloadRecordFile, "Dl.dat"},
-                {P::GetBrowserBookmarkFilePath, "bookmark.info"},
-                {P::GetBrowserHistoryFilePath, "history.info"},
-                {P::GetBrowserUrlRecordFilePath, "Browser/UserURL.dat"},
-                {P::GetGUIDFilePath, "Browser/guid.info"},
-                {P::GetPVDataFilePath, "Browser/PVData.info"},
-                {P::GetTrayIconInfoFile, "TrayIcon.info"},
-                {P::GetLastLoginConfigFile, "LstConf.dat"},
-                {P::GetSkinConfigFile, "skin/config.dat"},
-                {P::GetSkinPath, "skin/"}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(std::string("/opt/orvoapp/") + row.file, Path(row.member));
-    }
-    EXPECT_EQ("tmp/orvoapptemp", Path(P::GetHttpTempRoot));
-    EXPECT_EQ("/tmp/orvoappdownload/Image/", Path(P::GetImageFilePath));
-    EXPECT_EQ("/tmp/orvoappdownload/FileRecv/", Path(P::GetFileRecvPath));
+    const std::string names = Names(
+        P::GetAppDataRoot, P::GetUserDataRoot, P::GetBrowserRoot, P::GetHttpCookiesRoot,
+        P::GetOperationGuideFile, P::GetRecentLoginFilePath, P::GetIAPFilePath,
+        P::GetPortalIdFilePath, P::GetOLFileDownloadRecordFile, P::GetBrowserDownloadRecordFile,
+        P::GetBrowserBookmarkFilePath, P::GetBrowserHistoryFilePath, P::GetTrayIconInfoFile,
+        P::GetLastLoginConfigFile, P::GetSkinConfigFile, P::GetSkinPath,
+        P::GetBrowserUrlRecordFilePath, P::GetGUIDFilePath, P::GetPVDataFilePath);
+    EXPECT_EQ("~ ~ ~Browser/ ~Browser/Cookies/ ~OpGuide.info ~recentLoginUser.info "
+              "~OrvoIap.info ~portalid.info ~OL.dat ~Dl.dat ~bookmark.info ~history.info "
+              "~TrayIcon.info ~LstConf.dat ~skin/config.dat ~skin/ ~Browser/UserURL.dat "
+              "~Browser/guid.info ~Browser/PVData.info ",
+              QString::fromStdString(names).replace("/opt/orvoapp/", "~"));
+    EXPECT_EQ("tmp/orvoapptemp autoreply.cfg phrase.cfg ",
+              Names(P::GetHttpTempRoot, P::GetAutoReplyFileName, P::GetCommanPhraseFileName));
+    EXPECT_EQ("/tmp/orvoappdownload/Image/ /tmp/orvoappdownload/FileRecv/ ",
+              Names(P::GetImageFilePath, P::GetFileRecvPath));
     EXPECT_EQ("/tmp/orvoappdownload/", Path(P::GetDownloadRoot, '\0'));
     EXPECT_EQ("etmp/orvoappdownload/", Path(P::GetDownloadRoot, 'e'));
-    EXPECT_EQ("autoreply.cfg", Path(P::GetAutoReplyFileName));
-    EXPECT_EQ("phrase.cfg", Path(P::GetCommanPhraseFileName));
-
+    EXPECT_EQ("/opt/orvoapp/Browser/tollocache_10001.info",
+              Path(P::GetTolloLogCacheFilePath, 10001U));
+    EXPECT_EQ("/opt/orvoapp/Browser/tollodraft_10001.info",
+              Path(P::GetTolloLogDraftFilePath, 10001U));
     CQWString wide;
     P::GetBrowserTmpPic(wide);
-    EXPECT_EQ(0, wide.Compare(L"/opt/orvoapp/meegotmp/TmpOpen.pic"));
+    EXPECT_STREQ(L"/opt/orvoapp/meegotmp/TmpOpen.pic", wide);
     P::GetLastIMEIUploadLogFile(10001, wide);
-    EXPECT_EQ(0, wide.Compare(L"/opt/orvoapp/10001/hwUl.info"));
+    EXPECT_STREQ(L"/opt/orvoapp/10001/hwUl.info", wide);
 }
 
 TEST(Path, InADirectoryOfTheCaller)
 {
-    const struct {
-        void (*member)(CQSString&, const char*);
-        const char* file;
-    } rows[] = {{P::GetEnergySaveFilePath, "EnergySave.dat"},
-                {P::GetSelfInfoFilePath, "selfinfo.info"},
-                {P::GetGroupListFilePath, "grouplist.info"},
-                {P::GetGroupInfoOkFilePath, "groupinfook.info"},
-                {P::GetGroupMaskFilePath, "groupmask.info"},
-                {P::GetLastLogOutTimeFilePath, "LastLogOutTime.info"},
-                {P::GetBuddyRefreshListFilePath, "BuddyListRefresh.info"},
-                {P::GetBuddylistFilePath, "buddylist.info"},
-                {P::GetCFStamplistFilePath, "CFStamplist.info"},
-                {P::GetBuddyTeamRefreshFilePath, "BuddyListTeamRefresh.info"},
-                {P::GetBuddyTeamFilePath, "buddylistTeam.info"},
-                {P::GetRecentListFilePath, "recentlist.info"},
-                {P::GetBlackListFilePath, "blacklist.info"}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(std::string("/u/10001/") + row.file, Path(row.member, "/u\\10001"));
-    }
+    EXPECT_EQ("d/EnergySave.dat d/selfinfo.info d/grouplist.info d/groupinfook.info "
+              "d/groupmask.info d/LastLogOutTime.info d/BuddyListRefresh.info d/buddylist.info "
+              "d/CFStamplist.info d/BuddyListTeamRefresh.info d/buddylistTeam.info "
+              "d/recentlist.info d/blacklist.info ",
+              NamesIn("d", P::GetEnergySaveFilePath, P::GetSelfInfoFilePath,
+                      P::GetGroupListFilePath, P::GetGroupInfoOkFilePath, P::GetGroupMaskFilePath,
+                      P::GetLastLogOutTimeFilePath, P::GetBuddyRefreshListFilePath,
+                      P::GetBuddylistFilePath, P::GetCFStamplistFilePath,
+                      P::GetBuddyTeamRefreshFilePath, P::GetBuddyTeamFilePath,
+                      P::GetRecentListFilePath, P::GetBlackListFilePath));
+    EXPECT_EQ("/u/1/buddylist.info", Path(P::GetBuddylistFilePath, "/u\\1"));
     EXPECT_EQ("d/groupmem4294967295.info", Path(P::GetGroupMemberFilePath, "d", 4294967295U));
     EXPECT_EQ("/buddylist.info", Path(P::GetBuddylistFilePath, nullptr));
     CQSString out = Bytes("/d");
@@ -108,13 +103,10 @@ TEST(Path, OfAnAccount)
     EXPECT_EQ("/u/10001/10001_0000000005.png", Path(P::GetCFFilePath, "/u/", 10001U, 5U));
     EXPECT_EQ("/u/4000000000/-7.fmsg", Path(P::GetFileTransInfoFilePath, "/u/", 4000000000U, -7));
     EXPECT_EQ("1_-000000001.png", Path(P::GetCFFileName, 1U, 4294967295U));
-    const std::string browser = "/opt/orvoapp/Browser/";
-    const std::string audio = "/tmp/orvoappdownload/Audio/";
-    EXPECT_EQ(browser + "tollocache_10001.info", Path(P::GetTolloLogCacheFilePath, 10001U));
-    EXPECT_EQ(browser + "tollodraft_10001.info", Path(P::GetTolloLogDraftFilePath, 10001U));
     // The low 32 bits of a stamp, signed.
-    EXPECT_EQ(audio + "Orvo0000012345.amr", Path(P::GetRecordAudioName, 4294967296ULL + 12345));
-    EXPECT_EQ(audio + "Orvo-000000002.amr", Path(P::GetRecordAudioName, 0x1FFFFFFFEULL));
+    const std::string audio = "/tmp/orvoappdownload/Audio/Orvo";
+    EXPECT_EQ(audio + "0000012345.amr", Path(P::GetRecordAudioName, 4294967296ULL + 12345));
+    EXPECT_EQ(audio + "-000000002.amr", Path(P::GetRecordAudioName, 0x1FFFFFFFEULL));
 }
 
 TEST(Path, ThoseNotToBeCalledAssertAndThenAnswer)
@@ -127,7 +119,7 @@ TEST(Path, ThoseNotToBeCalledAssertAndThenAnswer)
     EXPECT_TRUE(recorder.Reports()[1].Is("0", "Orvo/CQPath", 352));
 }
 
-TEST(DecodeFileName, OpensEnvelopesUnderTheProgramsKey)
+TEST(Path, DecodeFileNameOpensEnvelopesUnderTheProgramsKey)
 {
     // Envelopes from an implementation of the format in Python: "buddylist.info", and nothing.
     const std::string buddyList = "\x4c\xa6\x06\xc2\x22\x61\x83\xc1\x57\x41\x7d\xbd"

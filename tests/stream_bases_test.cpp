@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,168 +16,154 @@ namespace
 
 constexpr int BufferSize = 20480;
 
-std::string RandomBytes(std::mt19937& random, int size)
+using Sizes = std::vector<int>;
+
+std::size_t Size(int n)
 {
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(random()); });
-    return bytes;
+    return static_cast<std::size_t>(n);
 }
 
-// Such that exact fills and refusals are frequent.
-int RandomLength(std::mt19937& random)
-{
-    constexpr int Lengths[] = {0, 1, 100, 5120, 10240, BufferSize - 1, BufferSize, BufferSize + 1};
-    return random() % 3 == 0 ? static_cast<int>(random() % 8000) : Lengths[random() % 8];
-}
+// What reached the device, seen also when the stream is gone.
+std::vector<std::string> saved;
 
 struct Sink : OrvoStream::COStream {
-    explicit Sink(std::vector<std::string>& saved) : blocks(saved) {}
+    Sink() { saved.clear(); }
     void Close() override {}
     void SaveBuffer(char const* data, int len) override
     {
-        blocks.push_back(data == nullptr ? "null" : std::string(data, data + len));
+        saved.push_back(data == nullptr ? "null" : std::string(data, Size(len)));
     }
-    std::vector<std::string>& blocks;
 };
 
-// A device that gives at most so many bytes a load.
-struct Device {
-    std::string Load(int len)
-    {
-        asked.push_back(len);
-        const std::string got = data.substr(0, static_cast<std::size_t>(std::min(len, most)));
-        data.erase(0, got.size());
-        return got;
+// Bytes \a from up to \a to of the endless text that sources give, which holds no zero.
+std::string Given(int from, int to)
+{
+    std::string bytes;
+    for (int i = from; i < to; ++i) {
+        bytes += static_cast<char>(1 + i % 251);
     }
-    std::string data;
-    int most = BufferSize;
-    std::vector<int> asked = {};
-};
+    return bytes;
+}
 
+// Gives so many bytes, at most so many a load, and may lie about their number.
 struct Source : OrvoStream::CIStream {
-    explicit Source(Device from) : device(std::move(from)) {}
-    int Available() override { return 0; }
+    Source(int size, int most, int lie = 0) : left(size), mostALoad(most), claim(lie) {}
+    int Available() override { return left; }
     void Close() override {}
     int LoadBuffer(char* dest, int len) override
     {
-        return static_cast<int>(device.Load(len).copy(dest, BufferSize));
+        asked.push_back(len);
+        const int count = std::min({len, left, mostALoad});
+        Given(given, given + count).copy(dest, Size(count));
+        given += count;
+        left -= count;
+        return claim != 0 ? claim : count;
     }
     std::string ReadText(int len)
     {
-        std::string text(static_cast<std::size_t>(len), '#');
+        std::string text(Size(len), '#');
         return Read(text.data(), len) == len ? text : "refused " + text.substr(0, 1);
     }
-    Device device;
-};
-
-// The rules of reading over memory without an end, zero behind the buffer.
-struct SourceModel {
-    std::string Read(int len)
-    {
-        if (memory.empty()) {
-            memory.resize(BufferSize);
-            valid = Put(0, device.Load(BufferSize));
-        }
-        if (pos + len > valid) {
-            const int rest = std::max(valid - pos, 0);
-            Put(0, memory.substr(static_cast<std::size_t>(valid - rest), std::size_t(rest)));
-            valid = rest + Put(rest, device.Load(valid - rest));
-        }
-        if (valid < len) {
-            return "refused #";
-        }
-        const std::string endless = memory + std::string(std::size_t(pos + len), '\0');
-        return endless.substr(std::size_t(std::exchange(pos, pos + len)), std::size_t(len));
-    }
-    int Put(int at, const std::string& bytes)
-    {
-        memory.replace(std::size_t(at), bytes.size(), bytes);
-        return static_cast<int>(bytes.size());
-    }
-    Device device;
-    std::string memory = {};
-    int valid = 0;
-    int pos = 0;
+    int left;
+    int mostALoad;
+    int claim;
+    int given = 0;
+    Sizes asked;
 };
 
 } // namespace
 
 TEST(OutputBase, WriteReturnsThePositionAndAnExactFillFlushesFirst)
 {
-    std::mt19937 random(7);
-    std::vector<std::string> blocks;
-    std::vector<std::string> expected;
-    Sink out(blocks);
+    const struct {
+        int len;
+        int position;
+        int flushed; // -1: nothing
+    } rows[] = {{0, 0, -1},         {10240, 0, -1},    {10240, 0, 10240}, {100, 10240, -1},
+                {10139, 10340, -1}, {0, 20479, -1},    {1, 0, 20479},     {20480, 0, 1},
+                {0, 0, 20480},      {3, 0, -1},        {20481, 0, 3},     {20480, 0, -1},
+                {1, 0, 20480},      {2147483647, 0, 1}};
+    Sink out;
     std::string waiting;
-    for (int i = 0; i < 2000; ++i) {
-        const std::string data = RandomBytes(random, RandomLength(random));
-        if (!waiting.empty() && waiting.size() + data.size() >= BufferSize) {
-            expected.push_back(std::exchange(waiting, {}));
+    for (const auto& row : rows) {
+        const std::string data(row.len > BufferSize ? 0 : Size(row.len),
+                               "0123456789abcd"[&row - rows]);
+        EXPECT_EQ(row.position, out.Write(data.data(), row.len)) << &row - rows;
+        ASSERT_EQ(row.flushed >= 0 ? 1U : 0U, saved.size()) << &row - rows;
+        if (row.flushed >= 0) {
+            EXPECT_EQ(Size(row.flushed), saved[0].size());
+            EXPECT_TRUE(std::exchange(waiting, {}) == saved[0]);
         }
-        const bool fits = waiting.size() + data.size() <= BufferSize;
-        const std::size_t position = fits ? waiting.size() : 0;
-        waiting += fits ? data : "";
-        const auto len = static_cast<int>(data.size());
-        ASSERT_EQ(static_cast<int>(position), out.Write(data.data(), len)) << "write " << i;
+        saved.clear();
+        waiting += data;
     }
-    EXPECT_TRUE(expected == blocks);
 }
 
 TEST(OutputBase, FlushAlwaysReachesTheDeviceRefusalsAndDestructionNever)
 {
-    std::vector<std::string> blocks;
+    auto out = std::make_unique<Sink>();
+    out->Flush();
     {
-        Sink out(blocks);
-        out.Flush();
-        {
-            const FailingAllocator noMemory(1);
-            EXPECT_EQ(0, out.Write("abc", 3));
-        }
-        EXPECT_EQ(0, out.Write("first", 5));
-        EXPECT_EQ(0, out.Write("abc", -1) + out.Write(nullptr, 1));
-        EXPECT_EQ(5, out.Write(nullptr, 0));
-        out.Flush();
-        out.Flush();
-        out.Write("kept", 4);
-        EXPECT_EQ(0, out.PrepareBuffer(2147483647));
-        out.Write("gone", 4);
+        const FailingAllocator noMemory(1);
+        EXPECT_EQ(0, out->Write("abc", 3));
     }
-    EXPECT_EQ((std::vector<std::string>{"null", "first", "", "kept"}), blocks);
+    EXPECT_EQ(0, out->Write("first", 5));
+    EXPECT_EQ(0, out->Write("abc", -1) + out->Write(nullptr, 1));
+    EXPECT_EQ(5, out->Write(nullptr, 0));
+    out->Flush();
+    out->Flush();
+    out->Write("gone", 4);
+    out.reset();
+    EXPECT_EQ((std::vector<std::string>{"null", "first", ""}), saved);
 }
 
-// Past the first 20480 bytes this pins the unusual refill: what is asked of the device, and
-// reads that go on at the old position.
-TEST(InputBase, FollowsTheRulesForAnyInputAndReads)
+TEST(InputBase, ReadsWhatTheFirstLoadBrings)
 {
-    std::mt19937 random(11);
-    for (int round = 0; round < 300; ++round) {
-        const int size = static_cast<int>(random() % (round % 5 == 0 ? 3 : 5 * BufferSize));
-        const int most = round % 2 == 0 ? BufferSize : 1 + static_cast<int>(random() % BufferSize);
-        SourceModel model{{RandomBytes(random, size), most}};
-        Source in(model.device);
-        for (int i = 0; i < 25; ++i) {
-            const int len = RandomLength(random);
-            ASSERT_TRUE(model.Read(len) == in.ReadText(len)) << "round " << round;
-        }
-        ASSERT_EQ(model.device.asked, in.device.asked);
-    }
+    Source in(BufferSize, BufferSize);
+    EXPECT_EQ("refused #", in.ReadText(BufferSize + 1));
+    Source pieces(100, BufferSize);
+    EXPECT_EQ(Given(0, 60), pieces.ReadText(60));
+    EXPECT_EQ(Given(60, 100), pieces.ReadText(40));
+    EXPECT_EQ("", pieces.ReadText(0));
+    EXPECT_EQ("refused #", pieces.ReadText(1));
+    EXPECT_EQ((Sizes{20480, 100}), pieces.asked);
+    // A refusal moves the unread bytes away from the position, which loses them.
+    Source lost(100, BufferSize);
+    EXPECT_EQ(Given(0, 60), lost.ReadText(60));
+    EXPECT_EQ("refused #", lost.ReadText(41));
+    EXPECT_EQ("refused #", lost.ReadText(40));
+    EXPECT_EQ((Sizes{20480, 60, 40}), lost.asked);
+}
+
+// What is asked of the device, and reads that go on at the old position in the moved bytes.
+TEST(InputBase, RefillKeepsThePositionAndAsksForWhatHadBeenRead)
+{
+    const auto zeros = [](int count) { return std::string(Size(count), '\0'); };
+    Source in(100000, BufferSize);
+    EXPECT_TRUE(Given(0, 20000) == in.ReadText(20000));
+    // Bytes 20000 to 40480 stand in the buffer now, and nothing behind it.
+    EXPECT_TRUE(Given(40000, 40480) + zeros(520) == in.ReadText(1000));
+    EXPECT_TRUE(zeros(BufferSize) == in.ReadText(BufferSize));
+    EXPECT_EQ((Sizes{20480, 20000, 20480}), in.asked);
+
+    Source slow(100000, 300);
+    EXPECT_EQ(Given(0, 100), slow.ReadText(100));
+    EXPECT_EQ(Given(200, 400) + zeros(1), slow.ReadText(201));
+    EXPECT_EQ(zeros(300), slow.ReadText(300));
+    EXPECT_EQ("refused #", slow.ReadText(301));
+    EXPECT_EQ((Sizes{20480, 100, 300, 300}), slow.asked);
 }
 
 TEST(InputBase, BoundsArgumentsDevicesAndThePosition)
 {
-    struct Liar : Source {
-        explicit Liar(int result) : Source(Device{}), claim(result) {}
-        int LoadBuffer(char*, int) override { return claim; }
-        int claim;
-    };
-    Liar nothing(-5);
+    Source nothing(0, BufferSize, -5);
     {
         const FailingAllocator noMemory(1);
         EXPECT_EQ(0, nothing.PrepareBuffer(0));
     }
     EXPECT_EQ(1, nothing.PrepareBuffer(0));
     EXPECT_EQ(0, nothing.PrepareBuffer(1));
-    Liar endless(2147483647);
+    Source endless(0, BufferSize, 2147483647);
     EXPECT_EQ(0, endless.PrepareBuffer(BufferSize + 1));
     std::string block(BufferSize, '#');
     EXPECT_EQ(0, endless.Read(block.data(), -1) + endless.Read(nullptr, 1));

@@ -12,7 +12,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <type_traits>
+#include <utility>
 
 #include <unistd.h>
 
@@ -24,47 +26,40 @@ TEST(SystemTime, CoarseSecondsCountMonthsAndDaysFromOne)
     EXPECT_EQ(1332248707, at(QDate(2012, 2, 29), QTime(13, 5, 7)));
     // 2170454400 - 2^32: the count wraps as 32 bits do.
     EXPECT_EQ(-2124512896, at(QDate(2038, 10, 1), QTime(0, 0)));
+    EXPECT_EQ(59000, SystemTime::SecondInMilliseconds(QTime(23, 59, 59, 999)));
 }
 
 TEST(SystemTime, StampWrapsTheProductButNotTheSum)
 {
-    const auto stampAt = [](qint64 msecs) {
-        return SystemTime::WrappedStamp(QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC));
-    };
-    EXPECT_EQ(4294967999U, stampAt(4294967999)) << "the largest product, and 999 in 64 bits";
-    EXPECT_EQ(704U + 1, stampAt(4294968001)) << "4294968000 - 2^32, and one millisecond";
-    EXPECT_EQ(59000, SystemTime::SecondInMilliseconds(QTime(23, 59, 59, 999)));
+    const auto at = [](qint64 msecs) { return QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC); };
+    EXPECT_EQ(4294967999U, SystemTime::WrappedStamp(at(4294967999))) << "999 added in 64 bits";
+    EXPECT_EQ(705U, SystemTime::WrappedStamp(at(4294968001))) << "4294968000 - 2^32, and 1";
+    EXPECT_EQ(-2147483647 - 1, SystemTime::Seconds(at(2147483648000))) << "January 2038";
 }
 
 TEST(SystemCall, ClockOperationsFollowTheClock)
 {
     const QDateTime now = QDateTime::currentDateTime();
     EXPECT_NEAR(SystemTime::CoarseSeconds(now), CSystemCall::GetCurrentTimeToInt(), 5);
-    EXPECT_NEAR(static_cast<double>(now.toSecsSinceEpoch()), CSystemCall::GetCurrentTime(), 5);
+    EXPECT_NEAR(SystemTime::Seconds(now), CSystemCall::GetCurrentTime(), 5);
     EXPECT_LE(CSystemCall::GetCurrentTimeStamp() - SystemTime::WrappedStamp(now), 5000U);
     EXPECT_EQ(0, CSystemCall::GetSysTimeBymmSec() % 1000);
 }
 
 TEST(SystemCall, FileSizesChangeUnitAboveAMegabyte)
 {
-    const struct {
-        unsigned int bytes;
-        double value;
-        const wchar_t* unit;
-        const wchar_t* shortUnit;
-    } rows[] = {{1023, 1023, L"B", L"B"},
-                {1024, 1, L"KB", L"K"},
-                {1048576, 1024, L"KB", L"K"},
-                {1048577, 1048577 / 1048576.0, L"MB", L"M"}};
-    for (const auto& row : rows) {
-        for (const bool shortUnit : {false, true}) {
-            double value = -1;
-            CQWString unit;
-            CSystemCall::FileSizeExchange(row.bytes, value, unit, shortUnit);
-            EXPECT_EQ(row.value, value);
-            EXPECT_EQ(0, unit.Compare(shortUnit ? row.shortUnit : row.unit)) << row.bytes;
-        }
-    }
+    const auto exchange = [](unsigned int bytes, bool shortUnit) {
+        double value = -1;
+        CQWString unit;
+        CSystemCall::FileSizeExchange(bytes, value, unit, shortUnit);
+        return std::pair(value, std::wstring(unit));
+    };
+    using Shown = std::pair<double, std::wstring>;
+    EXPECT_EQ(Shown(1023, L"B"), exchange(1023, false));
+    EXPECT_EQ(Shown(1, L"KB"), exchange(1024, false));
+    EXPECT_EQ(Shown(1024, L"K"), exchange(1048576, true));
+    EXPECT_EQ(Shown(1048577 / 1048576.0, L"MB"), exchange(1048577, false));
+    EXPECT_EQ(Shown(4, L"M"), exchange(4194304, true));
 }
 
 TEST(SystemCall, ScreenAndInstallDiscNeedAnApplication)
@@ -90,18 +85,14 @@ TEST(SystemCall, LaunchingAnswers1AndReturnsAtOnce)
 {
     QElapsedTimer timer;
     timer.start();
-    CQWString command;
-    for (const wchar_t* const text : {L"/bin/sleep \"60\"", L"/no/such/program", L"  "}) {
-        command.SetData(text);
-        EXPECT_EQ(1, CSystemCall::LaunchSysApp(&command));
-        EXPECT_EQ(1, CSystemCall::OpenFileByPhone(&command));
+    CQWString text;
+    for (const wchar_t* const command : {L"/bin/sleep \"60\"", L"/no/such/program", L"  "}) {
+        text.SetData(command);
+        EXPECT_EQ(2, CSystemCall::LaunchSysApp(&text) + CSystemCall::OpenFileByPhone(&text));
     }
     EXPECT_EQ(1, CSystemCall::LaunchSysApp(nullptr));
-    command.SetData(L"cat");
-    CQWString dir;
-    EXPECT_EQ(1, CSystemCall::LaunchAppByName(command, dir));
-    dir.SetData(L"/bin");
-    EXPECT_EQ(1, CSystemCall::LaunchAppByName(command, dir));
+    text.SetData(L"bin/cat");
+    EXPECT_EQ(1, CSystemCall::LaunchAppByName(text, CQWString()));
     EXPECT_LT(timer.elapsed(), 20000) << "neither the sleeper nor the reader was waited for";
 }
 
@@ -110,16 +101,18 @@ TEST(SystemCall, FixedResults)
     using S = CSystemCall;
     CQWString text;
     QString size = "kept";
-    EXPECT_EQ(8, S::OpenInfoWin(text, text) + S::OpenQueryWin(text, text) +
-                     S::OpenQueryWin(text, text, text, text) +
-                     S::OpenQueryWinEx(text, 0, text, text) + S::LaunchSysApp(0, nullptr) +
-                     S::OpenFileByPhone(0, nullptr) + S::MoveToSysDir(0, &text, &text, text) +
-                     S::OpenMemorySelDialog(0, text));
+    for (const int yes :
+         {S::OpenInfoWin(text, text), S::OpenQueryWin(text, text),
+          S::OpenQueryWin(text, text, text, text), S::OpenQueryWinEx(text, 0, text, text),
+          S::LaunchSysApp(0, nullptr), S::OpenFileByPhone(0, nullptr),
+          S::MoveToSysDir(0, &text, &text, text), S::OpenMemorySelDialog(0, text)}) {
+        EXPECT_EQ(1, yes);
+    }
     EXPECT_TRUE(S::IsClipBoardEmpty() && S::IsInTimespace(2, 1));
+    EXPECT_FALSE(S::ProcessIsExist(text) || S::IsQwertyKeyboardSupported());
     EXPECT_EQ(0, S::OpenResource(text) | S::LaunchAppByMIME(CQSString(), text) |
                      S::GetMachineUID() | S::GetDefaultTextColorForSystemTheme());
     EXPECT_EQ(0xFF0000, S::GetDefaultFrameColorForSystemTheme());
-    EXPECT_FALSE(S::ProcessIsExist(text) || S::IsQwertyKeyboardSupported());
     S::GetFileSizeString(1.0, size, text, 1);
     S::GetTextFromClipBoardL(text);
     EXPECT_TRUE(text.IsEmpty() && size == "kept");
