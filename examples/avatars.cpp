@@ -488,6 +488,7 @@ int main(int argc, char** argv)
     try {
         Run(ParseArguments(QCoreApplication::arguments()));
     } catch (const Failure& failure) {
+        std::fflush(stdout); // the reason comes last, also where both go to one file
         std::fprintf(stderr, "avatars: %s\n", failure.text.c_str());
         return failure.exitCode;
     }
