@@ -212,9 +212,10 @@ std::vector<Picture> DecodeAll(const QString& path)
 constexpr int columns = 5;
 constexpr int margin = 32;
 constexpr int header = 104;
+constexpr int gap = 16;
 constexpr int pad = 14;
 constexpr QSize cardSize(284, 286);
-constexpr QSize step(cardSize.width() + 16, cardSize.height() + 16);
+constexpr QSize step(cardSize.width() + gap, cardSize.height() + gap);
 
 void DrawLine(QPainter& painter, QPoint at, int width, int pixelSize, const char* colour,
               const QString& text)
@@ -288,8 +289,8 @@ QImage DrawSheet(const std::vector<Picture>& pictures)
 {
     const int count = int(pictures.size());
     const int rows = (count + columns - 1) / columns;
-    QImage sheet(2 * margin + columns * step.width() - 16,
-                 header + rows * step.height() - 16 + margin, QImage::Format_RGB32);
+    QImage sheet(2 * margin + columns * step.width() - gap,
+                 header + rows * step.height() - gap + margin, QImage::Format_RGB32);
     sheet.fill(QColor(240, 242, 246));
     QPainter painter(&sheet);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
@@ -409,11 +410,11 @@ void PrintPictures(const std::vector<Picture>& pictures)
     }
 }
 
-// A path below the root, with slashes only: CQZipFile takes a backslash for part of a name.
-CQSString PathBelow(const Options& options, const char* name)
+// The path in a directory, with slashes only: CQZipFile takes a backslash for part of a name.
+CQSString PathIn(const QString& directory, const char* name)
 {
     CQSString path;
-    CBaseUtil::FormatString(path, "%s%s", qUtf8Printable(options.root), name);
+    CBaseUtil::FormatString(path, "%s%s", qUtf8Printable(directory), name);
     return path;
 }
 
@@ -422,9 +423,9 @@ void Run(const Options& options)
     const std::vector<Picture> pictures = DecodeAll(options.pictures);
     PrintPictures(pictures);
 
-    const CQSString directory = PathBelow(options, std::to_string(accountNumber).c_str());
+    const QString directory = options.root + QStringLiteral("%1/").arg(accountNumber);
     if (CQFile::CreateDirectory(CQWString(directory)) == 0) {
-        throw Failure{1, std::string(directory.GetDataPtr()) + ": the directory cannot be made"};
+        throw Failure{1, directory.toStdString() + ": the directory cannot be made"};
     }
     StagedFiles files;
     for (size_t i = 0; i < pictures.size(); ++i) {
@@ -437,12 +438,12 @@ void Run(const Options& options)
     }
     const size_t decoded = files.size();
     const QByteArray sheet = EncodedPng(DrawSheet(pictures));
-    const CQSString sheetPath = PathBelow(options, "avatars.png");
+    const CQSString sheetPath = PathIn(options.root, "avatars.png");
     Stage(files, sheetPath).Write(sheet);
 
     std::printf("\n%-16s %9s %11s %8s\n", "archive of", "bytes", "compressed", "ratio");
-    Stage(files, PathBelow(options, "10003/sheet.z")).WriteCompressed("the sheet", sheet);
-    Stage(files, PathBelow(options, "10003/history.z"))
+    Stage(files, PathIn(directory, "sheet.z")).WriteCompressed("the sheet", sheet);
+    Stage(files, PathIn(directory, "history.z"))
         .WriteCompressed("400 messages", MessageHistory(400));
     for (const auto& file : files) {
         file->Publish();
@@ -488,6 +489,7 @@ int main(int argc, char** argv)
     try {
         Run(ParseArguments(QCoreApplication::arguments()));
     } catch (const Failure& failure) {
+        std::fflush(stdout); // the reason comes last, also where both go to one file
         std::fprintf(stderr, "avatars: %s\n", failure.text.c_str());
         return failure.exitCode;
     }
