@@ -2,6 +2,7 @@
 #include "TempDir.h"
 
 #include <CQFile.h>
+#include <CQWString.h>
 
 #include <QTime>
 
@@ -29,24 +30,6 @@ int Put(CQFile& file, const std::string& text)
     return file.Write(text.data(), static_cast<unsigned int>(text.size()));
 }
 
-std::string Times(int count, char c)
-{
-    return std::string(static_cast<std::size_t>(count), c);
-}
-
-// A socket exists and can be removed, but nobody can open it, whatever rights they have.
-void PutSocket(const QString& path)
-{
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const QByteArray name = QFile::encodeName(path);
-    ASSERT_LT(name.size(), static_cast<int>(sizeof address.sun_path));
-    std::copy(name.begin(), name.end(), address.sun_path);
-    const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
-    ASSERT_EQ(0, bind(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address));
-    close(descriptor);
-}
-
 } // namespace
 
 TEST(File, ModesDecideWhatExistsAndWhatIsAllowed)
@@ -57,24 +40,27 @@ TEST(File, ModesDecideWhatExistsAndWhatIsAllowed)
         const char* read; // from an existing one
         int written;
         const char* after;
-    } rows[] = {{Read, 0, "old", -1, "file=old "},
-                {Write, 1, "refused", 3, "a/ a/b/ a/b/c= file=new "},
-                {ReadWrite, 1, "old", 3, "a/ a/b/ a/b/c= file=oldnew "},
-                {Append, 1, "", 3, "a/ a/b/ a/b/c= file=oldnew "}};
+    } rows[] = {{Read, 0, "old", -1, "\xC3\xA4=old "}, // U+00E4
+                {Write, 1, "refused", 3, "a/ a/b/ a/b/c= \xC3\xA4=new "},
+                {ReadWrite, 1, "old", 3, "a/ a/b/ a/b/c= \xC3\xA4=oldnew "},
+                {Append, 1, "", 3, "a/ a/b/ a/b/c= \xC3\xA4=oldnew "}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.mode);
         const TempDir dir;
-        dir.Put("file", "old");
+        dir.Put(QChar(0xE4), "old");
         CQFile file;
-        EXPECT_EQ(row.opened, file.Open(dir.Wide("a\\b\\c").c_str(), row.mode));
+        EXPECT_EQ(row.opened, file.Open(CQWString(dir.Absolute("a\\b\\c")), row.mode));
         file.Close();
-        EXPECT_EQ(1, file.Open(dir.Wide("file").c_str(), row.mode));
+        CQSString utf8;
+        EXPECT_EQ(0, file.Open(utf8, row.mode));
+        utf8.SetData(".\\\xC3\xA4");
+        EXPECT_EQ(1, file.Open(utf8, row.mode));
+        EXPECT_STREQ(".\\\xC3\xA4", utf8) << "unchanged";
         EXPECT_EQ(row.read, ReadAll(file));
         EXPECT_EQ(row.written, Put(file, "new"));
         EXPECT_EQ(row.written < 0 ? -1 : 0, file.Write("x", 0));
         EXPECT_EQ(row.written < 0 ? UINT_MAX : 0U, file.WriteData(nullptr, 1));
-        EXPECT_EQ(-1, file.Read(nullptr, 1));
-        EXPECT_EQ(-1, file.Read(&file, 0));
+        EXPECT_TRUE(file.Read(nullptr, 1) == -1 && file.Read(&file, 0) == -1);
         EXPECT_EQ(row.after, dir.All());
     }
 }
@@ -83,48 +69,33 @@ TEST(File, RefusedOpensLeaveTheObjectClosed)
 {
     const TempDir dir;
     CQFile file;
-    QString path = dir.Path("a\\b");
-    EXPECT_EQ(0, file.Open(path, 4));
-    EXPECT_EQ(dir.Path("a/b"), path) << "slashed in place all the same";
-    EXPECT_EQ(0, file.Open(static_cast<const wchar_t*>(nullptr), Write));
-    EXPECT_EQ(0, file.OpenWithWriteCache(nullptr, Write, 10));
-    EXPECT_EQ(0, file.Open(L"", Read));
+    QString path("a\\b");
+    const wchar_t* const none = nullptr;
+    EXPECT_FALSE(file.Open(path, 4) || file.Open(none, Write) || file.Open(L"", Read) ||
+                 file.OpenWithWriteCache(none, Write, 10));
+    EXPECT_EQ("a/b", path) << "slashed in place all the same";
     EXPECT_EQ("", dir.All());
     EXPECT_EQ("refused", ReadAll(file));
     EXPECT_EQ(-1, Put(file, "x"));
-    EXPECT_EQ(0, file.Seek(0, 0) + file.SeekToBegin() + file.SeekToEnd());
-    EXPECT_EQ(0, file.GetLength() + file.SetSize(0));
+    EXPECT_FALSE(file.Seek(0, 0) || file.SeekToBegin() || file.SeekToEnd() || file.SetSize(0));
+    EXPECT_EQ(0, file.GetLength());
     file.Close();
-}
-
-TEST(File, EightBitPathsAreUtf8)
-{
-    const TempDir dir;
-    CQSString path;
-    path.SetData(dir.Path("sub\\\xC3\xA4").toUtf8().constData()); // U+00E4
-    CQFile file;
-    EXPECT_EQ(1, file.Open(path, Write));
-    EXPECT_TRUE(QFile::exists(dir.Path("sub/" + QString(QChar(0xE4)))));
-    EXPECT_GT(path.Find('\\'), 0) << "unchanged";
-    path.SetData("bare");
-    ASSERT_TRUE(QDir::setCurrent(dir.Path("sub")));
-    EXPECT_EQ(1, CQFile().Open(path, Write));
-    EXPECT_EQ("", dir.Get("sub/bare"));
-    path.Empty();
-    EXPECT_EQ(0, CQFile().Open(path, Write));
 }
 
 TEST(File, AFileThatCannotBeOpenedIsReplaced)
 {
+    // A socket exists and can be removed, but nobody can open it, whatever rights they have.
+    const sockaddr_un address{AF_UNIX, "socket"};
     for (const Mode mode : {Read, Write, ReadWrite, Append}) {
         SCOPED_TRACE(mode);
         const TempDir dir;
         dir.Put("d/");
-        ASSERT_NO_FATAL_FAILURE(PutSocket(dir.Path("s")));
-        EXPECT_EQ(mode != Read, CQFile().Open(dir.Wide("s").c_str(), mode));
-        EXPECT_EQ(0, CQFile().Open(dir.Wide("d").c_str(), mode)) << "directories stay";
-        EXPECT_EQ(mode == Read ? "d/ " : "d/ s= ", dir.All());
-        EXPECT_EQ(mode != Read, QFileInfo(dir.Path("s")).isFile());
+        const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
+        ASSERT_EQ(0, bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address));
+        close(descriptor);
+        EXPECT_EQ(mode != Read, CQFile().Open(L"socket", mode));
+        EXPECT_EQ(0, CQFile().Open(L"d", mode)) << "directories stay";
+        EXPECT_EQ(mode == Read ? "d/ " : "d/ socket= ", dir.All());
     }
 }
 
@@ -133,27 +104,25 @@ TEST(File, PositionsAre32Bit)
     const TempDir dir;
     dir.Put("file", QByteArray(90, 'a') + "0123456789");
     CQFile file;
-    ASSERT_EQ(1, file.Open(dir.Wide("file").c_str(), ReadWrite));
-    EXPECT_EQ(1, file.Seek(-10, 2));
-    EXPECT_EQ("0123456789", ReadAll(file));
-    EXPECT_EQ(1, file.Seek(-3, 1));
-    EXPECT_EQ("789", ReadAll(file));
-    EXPECT_EQ(1, file.Seek(98, 0));
-    EXPECT_EQ("89", ReadAll(file));
-    EXPECT_EQ(0, file.Seek(0, 3));
-    EXPECT_EQ(0, file.Seek(-101, 2));
-    EXPECT_EQ(0, file.Seek(INT_MAX, 2)) << "wraps below zero";
+    ASSERT_EQ(1, file.Open(L"file", ReadWrite));
+    const struct {
+        int offset;
+        unsigned int origin;
+        const char* rest; // behind the position; empty: refused, at the end already
+    } rows[] = {{-10, 2, "0123456789"}, {-3, 1, "789"},  {98, 0, "89"}, {0, 3, ""},
+                {-101, 2, ""},          {INT_MAX, 2, ""}}; // wraps below zero
+    for (const auto& row : rows) {
+        EXPECT_EQ(*row.rest != 0, file.Seek(row.offset, row.origin)) << row.offset;
+        EXPECT_EQ(row.rest, ReadAll(file));
+    }
     EXPECT_EQ(1, file.SeekToBegin());
-    EXPECT_EQ(100U, ReadAll(file).size());
     EXPECT_EQ(100, file.GetLength());
-    EXPECT_EQ(1, file.SetSize(3));
-    EXPECT_EQ(1, file.SeekToEnd());
-    EXPECT_EQ(1, Put(file, "!"));
+    EXPECT_EQ(100U, ReadAll(file).size());
+    EXPECT_TRUE(file.SetSize(3) && file.SeekToEnd() && Put(file, "!"));
     EXPECT_EQ("aaa!", dir.Get("file"));
     EXPECT_EQ(0, file.SetSize(-1));
-    EXPECT_EQ("", ReadAll(file)) << "at the end";
     // Beyond 4 GiB only the low 32 bits of the length count, so this is position 2.
-    ASSERT_TRUE(QFile::resize(dir.Path("file"), 0x100000005LL));
+    ASSERT_TRUE(QFile::resize("file", 0x100000005LL));
     EXPECT_EQ(5, file.GetLength());
     EXPECT_EQ(1, file.Seek(-3, 2));
     EXPECT_EQ("!", ReadAll(file).substr(1, 1));
@@ -163,22 +132,24 @@ TEST(File, TheCacheGathersWritesUntilTheyWouldFillIt)
 {
     const TempDir dir;
     CQFile file;
-    ASSERT_EQ(1, file.OpenWithWriteCache(dir.Wide("file").c_str(), Write, 100));
-    for (const char c : {'a', 'b', 'c'}) {
-        EXPECT_EQ(30, Put(file, Times(30, c)));
+    ASSERT_EQ(1, file.OpenWithWriteCache(L"file", Write, 100));
+    const struct {
+        char fill;
+        int length;
+        int lengthOfFile; // afterwards
+    } rows[] = {{'a', 30, 0},    {'b', 30, 0},
+                {'c', 30, 0},    {'d', 10, 90},    // what just fits is not merged
+                {'e', 150, 250}, {'f', 100, 250}}; // the whole capacity is cached
+    std::string all;
+    for (const auto& row : rows) {
+        const std::string block(static_cast<std::size_t>(row.length), row.fill);
+        all += block;
+        EXPECT_EQ(row.length, Put(file, block));
+        EXPECT_EQ(row.lengthOfFile, file.GetLength());
+        EXPECT_EQ(all.substr(0, static_cast<std::size_t>(row.lengthOfFile)), dir.Get("file"));
     }
-    EXPECT_EQ("", dir.Get("file"));
-    EXPECT_EQ(0, file.GetLength());
-    EXPECT_EQ(10, Put(file, Times(10, 'd')));
-    const std::string ninety = Times(30, 'a') + Times(30, 'b') + Times(30, 'c');
-    EXPECT_EQ(ninety, dir.Get("file")) << "what just fits is not merged";
-    EXPECT_EQ(150, Put(file, Times(150, 'e')));
-    const std::string direct = ninety + Times(10, 'd') + Times(150, 'e');
-    EXPECT_EQ(direct, dir.Get("file"));
-    EXPECT_EQ(100, Put(file, Times(100, 'f'))) << "the whole capacity is cached";
-    EXPECT_EQ(direct, dir.Get("file"));
     file.Close();
-    EXPECT_EQ(direct + Times(100, 'f'), dir.Get("file"));
+    EXPECT_EQ(all, dir.Get("file"));
 }
 
 TEST(File, CachesAreLostUnlessTheFileIsClosed)
@@ -186,37 +157,40 @@ TEST(File, CachesAreLostUnlessTheFileIsClosed)
     const TempDir dir;
     {
         CQFile file;
-        ASSERT_EQ(1, file.OpenWithWriteCache(dir.Wide("lost").c_str(), Write, 100));
-        EXPECT_EQ(3, Put(file, "abc"));
+        EXPECT_TRUE(file.OpenWithWriteCache(L"lost", Write, 100) && Put(file, "abc"));
     }
     CQFile file;
-    ASSERT_EQ(1, file.OpenWithWriteCache(dir.Wide("first").c_str(), Write, 100));
-    EXPECT_EQ(3, Put(file, "abc"));
-    ASSERT_EQ(1, file.OpenWithWriteCache(dir.Wide("second").c_str(), Append, 100));
-    EXPECT_EQ(3, Put(file, "def"));
+    EXPECT_TRUE(file.OpenWithWriteCache(L"first", Write, 100) && Put(file, "abc"));
+    EXPECT_TRUE(file.OpenWithWriteCache(L"second", Append, 100) && Put(file, "def"));
     file.Close();
-    ASSERT_EQ(1, file.OpenWithWriteCache(dir.Wide("third").c_str(), ReadWrite, 0));
-    EXPECT_EQ(3, Put(file, "ghi"));
+    EXPECT_TRUE(file.OpenWithWriteCache(L"third", ReadWrite, 0) && Put(file, "ghi"));
     EXPECT_EQ("first= lost= second=def third=ghi ", dir.All());
 }
 
 TEST(File, AFullDiskShowsInLargeWritesOnly)
 {
     const TempDir dir;
-    ASSERT_TRUE(QFile::link("/dev/full", dir.Path("full")));
+    ASSERT_TRUE(QFile::link("/dev/full", "full"));
     CQFile file;
-    ASSERT_EQ(1, file.Open(dir.Wide("full").c_str(), Append));
-    EXPECT_EQ(UINT_MAX, file.WriteData(Times(20480, 'x').data(), 20480));
-    EXPECT_EQ(-1, Put(file, Times(20480, 'x')));
+    ASSERT_EQ(1, file.Open(L"full", Append));
+    const std::string large(20480, 'x');
+    EXPECT_EQ(UINT_MAX, file.WriteData(large.data(), 20480));
+    EXPECT_EQ(-1, Put(file, large));
     EXPECT_EQ(3U, file.WriteData("abc", 3));
 }
 
-TEST(File, ModificationTimeIsNotSupported)
+TEST(File, UnsupportedOperationsAssertOnTheirLines)
 {
     AssertRecorder recorder;
+    CQFileUID uid;
     QTime time(1, 2, 3);
-    EXPECT_EQ(0, CQFile().GetModifiedTime(time));
+    EXPECT_FALSE(CQFile().GetModifiedTime(time) || CQFile::IsValidName(L"a") ||
+                 CQFile::IsValidFileName(L"a") || CQFile::GetFileUID(L"a", uid) ||
+                 CQFile::IsFileExist(L"a", L"b"));
     EXPECT_EQ(QTime(1, 2, 3), time);
-    ASSERT_EQ(1U, recorder.Reports().size());
-    EXPECT_TRUE(recorder.Reports()[0].Is("0", "src/CQFile", 710));
+    ASSERT_EQ(5U, recorder.Reports().size());
+    std::size_t i = 0;
+    for (const int line : {710, 1579, 1541, 1493, 1394}) {
+        EXPECT_TRUE(recorder.Reports()[i++].Is("0", "src/CQFile", line)) << line;
+    }
 }
