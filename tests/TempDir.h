@@ -34,7 +34,7 @@ public:
     /// of directories, "name@" of links.
     std::string All() const
     {
-        constexpr auto all = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;
+        constexpr auto all = QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot;
         QStringList texts;
         for (QDirIterator it(".", all, QDirIterator::Subdirectories); it.hasNext();) {
             const QString name = it.next().mid(2);
