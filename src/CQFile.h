@@ -151,8 +151,9 @@ public:
     /// Removes an empty directory. 0 when it does not exist or is not empty.
     static int DelDir(const wchar_t* path);
     /// Removes a directory with everything in it; 1 when all of it is gone. Links and special
-    /// files are left, and their directories with them. The walk stops at the first entry that
-    /// cannot be removed; what was removed before stays removed. 0 for null and empty.
+    /// files in it are left, and their directories with them; a \a path that is a link itself
+    /// stays, but what it leads to is emptied. The walk stops at the first entry that cannot be
+    /// removed; what was removed before stays removed. 0 for null and empty.
     static int RecursiveDelDir(const wchar_t* path);
     /// Renames or moves a directory. 0 when \a from does not exist. The last argument is ignored.
     static int RenameDir(const wchar_t* from, const wchar_t* to, unsigned int);

@@ -84,11 +84,12 @@ bool CQFileUtils::DirErrors(int& code, const QString& path)
     if (!CanBeRepaired(code)) {
         return false;
     }
-    const QString target = WithoutTrailingSlash(PathText::Slashed(path));
-    const bool isDir = IsDir(target);
+    const QString slashed = PathText::Slashed(path);
+    const bool isDir = IsDir(slashed); // not of the target, which is empty for "/"
     if (code == AlreadyExists && isDir) {
         return false;
     }
+    const QString target = WithoutTrailingSlash(slashed);
     if (isDir || LiesInRoot(target)) {
         // MkDir() reports this as success without a second attempt, and its callers go on.
         code = Success;

@@ -65,7 +65,7 @@ bool RemoveTree(const QString& path)
 
 std::wstring SlashedText(const CQWString& path)
 {
-    std::wstring text(path.IsEmpty() ? L"" : path.GetDataPtr());
+    std::wstring text(path.GetDataPtr());
     std::replace(text.begin(), text.end(), L'\\', L'/');
     return text;
 }

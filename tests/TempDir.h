@@ -7,18 +7,19 @@
 
 #include <string>
 
-/// A directory of its own for one test case. Names are relative to it.
+/// A directory of its own for one test case, current as long as it lives. Names are relative to
+/// it.
 class TempDir
 {
 public:
-    QString Path(const QString& name = QString()) const { return m_dir.path() + '/' + name; }
-    std::wstring Wide(const QString& name = QString()) const { return Path(name).toStdWString(); }
+    TempDir() { QDir::setCurrent(m_dir.path()); }
 
+    QString Absolute(const QString& name) const { return m_dir.filePath(name); }
     /// Makes a file and its directories, or only a directory where \a name ends with a slash.
     void Put(const QString& name, const QByteArray& bytes = "x") const
     {
-        QDir(m_dir.path()).mkpath(name.left(name.lastIndexOf('/') + 1).prepend("./"));
-        QFile file(Path(name));
+        QDir().mkpath("./" + name.left(name.lastIndexOf('/') + 1));
+        QFile file(name);
         if (!name.endsWith('/') && file.open(QIODevice::WriteOnly)) {
             file.write(bytes);
         }
@@ -26,27 +27,23 @@ public:
     /// Content of a file; "missing" when it cannot be read.
     std::string Get(const QString& name) const
     {
-        QFile file(Path(name));
+        QFile file(name);
         return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "missing";
     }
     /// Everything there is, sorted, each with a blank behind it: "name=content" of files, "name/"
     /// of directories, "name@" of links.
     std::string All() const
     {
-        QStringList paths;
-        for (QDirIterator it(m_dir.path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
-                             QDirIterator::Subdirectories);
-             it.hasNext();) {
-            paths << it.next().mid(m_dir.path().size() + 1);
+        constexpr auto all = QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot;
+        QStringList texts;
+        for (QDirIterator it(".", all, QDirIterator::Subdirectories); it.hasNext();) {
+            const QString name = it.next().mid(2);
+            const QString content = '=' + QString::fromStdString(Get(name));
+            const QFileInfo info = it.fileInfo();
+            texts << name + (info.isSymLink() ? "@" : info.isDir() ? "/" : content) + ' ';
         }
-        paths.sort();
-        std::string all;
-        for (const QString& path : paths) {
-            const QFileInfo info(Path(path));
-            all += path.toStdString();
-            all += info.isSymLink() ? "@ " : info.isDir() ? "/ " : '=' + Get(path) + ' ';
-        }
-        return all;
+        texts.sort();
+        return texts.join("").toStdString();
     }
 
 private:

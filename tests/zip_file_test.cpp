@@ -1,10 +1,9 @@
-#include "TemporaryFiles.h"
+#include "TempDir.h"
 
 #include <CQZipFile.h>
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QtEndian>
 
 #include <zlib.h>
@@ -12,134 +11,106 @@
 namespace
 {
 
-int Store(CQZipFile& zip, const CQWString& path, QByteArray block)
-{
-    auto* bytes = reinterpret_cast<unsigned char*>(block.data());
-    int length = static_cast<int>(block.size());
-    return zip.Write(&bytes, &length, path.GetDataPtr());
-}
-
-// The block by both ways of reading, which must agree; nothing behind it may be touched.
-QByteArray Load(const CQWString& path, int boundedResult = 1)
+// The block in "block" by both ways of reading, which must agree; nothing behind it is touched.
+std::string Load(int boundedResult = 1)
 {
     QByteArray bounded("unset");
-    EXPECT_EQ(boundedResult, CQZipFile().Read(bounded, path.GetDataPtr()));
-    QByteArray buffer(static_cast<int>(bounded.size()) + 1, '#');
+    EXPECT_EQ(boundedResult, CQZipFile().Read(bounded, L"block"));
+    QByteArray buffer(bounded.size() + 1, '#');
     auto* bytes = reinterpret_cast<unsigned char*>(buffer.data());
     int length = -1;
-    EXPECT_EQ(1, CQZipFile().Read(&bytes, &length, path.GetDataPtr()));
+    EXPECT_EQ(1, CQZipFile().Read(&bytes, &length, L"block"));
     EXPECT_EQ(bounded.size(), length);
     EXPECT_EQ(bounded + '#', buffer);
-    return bounded;
-}
-
-auto OpenFiles()
-{
-    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
+    return bounded.toStdString();
 }
 
 } // namespace
 
 TEST(ZipFile, AnotherZlibReadsWhatIsWritten)
 {
-    const TemporaryFiles files;
+    const TempDir dir;
     CQZipFile zip; // stays open: nothing may wait in a buffer
-    for (const QByteArray& block : {QByteArray(99999, 7), QByteArray("\r\n\r"), QByteArray()}) {
-        const QByteArray longer = files.Content("block");
-        EXPECT_EQ(1, Store(zip, files.Path("block"), block));
-        EXPECT_EQ(block, Load(files.Path("block")));
-
-        const QByteArray stored = files.Content("block");
-        EXPECT_TRUE(longer.isEmpty() || longer.size() == stored.size()); // the file is not cut
-        ASSERT_EQ(block.size(), static_cast<int>(qFromBigEndian<quint32>(stored.constData())));
-        QByteArray inflated(static_cast<int>(block.size()), '\0');
-        auto size = static_cast<uLongf>(inflated.size());
-        uncompress(reinterpret_cast<Bytef*>(inflated.data()), &size,
-                   reinterpret_cast<const Bytef*>(stored.constData()) + 4,
-                   static_cast<uLong>(stored.size()) - 4);
+    std::size_t longest = 0;
+    for (std::string block : {std::string(99999, 7), std::string("\r\n\r"), std::string()}) {
+        auto* bytes = reinterpret_cast<unsigned char*>(block.data());
+        int count = static_cast<int>(block.size());
+        EXPECT_EQ(1, zip.Write(&bytes, &count, L"block"));
+        EXPECT_EQ(block, Load());
+        const std::string stored = dir.Get("block");
+        longest = std::max(longest, stored.size());
+        EXPECT_EQ(longest, stored.size()) << "the file is not cut";
+        ASSERT_EQ(block.size(), qFromBigEndian<quint32>(stored.data()));
+        std::string inflated(block.size(), '\0');
+        auto length = static_cast<uLongf>(block.size());
+        uncompress(reinterpret_cast<Bytef*>(inflated.data()), &length,
+                   reinterpret_cast<const Bytef*>(stored.data()) + 4, stored.size() - 4);
         EXPECT_EQ(block, inflated);
     }
-    Store(zip, files.Path("new"), "");
-    EXPECT_EQ(QByteArray(4, '\0'), files.Content("new"));
 }
 
 // The streams were made by Python's zlib.compress(). A length that is wrong within reason, or
-// the tail of a longer block, does not matter.
-TEST(ZipFile, ReadsAnotherZlibsStreamsAndGoesByThem)
+// the tail of a longer block, does not matter. The last four are cut short, have a wrong checksum,
+// no zlib header, and ask for a dictionary.
+TEST(ZipFile, GoesByTheStreamAndRefusesWhatDoesNotUncompress)
 {
-    const TemporaryFiles files;
-    const QByteArray stream("789c4b2a4d49a9ccc92c2ee1e54a22c404006d410fad");
-    for (const QByteArray& stored : {"0000002c" + stream, "0000002c" + stream + "0d0a00789c",
-                                     "00000001" + stream, "00000400" + stream}) {
-        EXPECT_EQ(QByteArray("buddylist\r\n").repeated(4),
-                  Load(files.Add("block", QByteArray::fromHex(stored))));
-    }
-    EXPECT_EQ("", Load(files.Add("block", QByteArray::fromHex("00000005789c030000000001"))));
-    EXPECT_EQ("abc",
-              Load(files.Add("block", QByteArray::fromHex("00002c58789c4b4c4a0600024d0127"))));
-}
-
-TEST(ZipFile, WhatDoesNotUncompressIsNoBlock)
-{
-    const TemporaryFiles files;
-    const char* const contents[] = {
-        "",
-        "000000",
-        "00000003",
-        "00000003789c4b4c4a0600",           // cut short
-        "00000003789c4b4c4a0600024d0128",   // wrong Adler-32
-        "00000003ffffffffffffffffffff",     // no zlib header
-        "ffffffff789c4b4c4a0600024d0127",   // claims 4 GiB
-        "7fffffff789c4b4c4a0600024d0127",   // claims 2 GiB
-        "00002c59789c4b4c4a0600024d0127",   // claims one byte beyond 1032 to 1
-        "0000000378bb0000000100000000dead", // asks for a dictionary
-    };
-    for (const char* content : contents) {
-        SCOPED_TRACE(content);
-        EXPECT_EQ("", Load(files.Add("block", QByteArray::fromHex(content)), 0));
+    const QByteArray abc("789c4b4c4a0600024d0127");
+    const struct {
+        const char* block; // null: none
+        QList<QByteArray> stored;
+    } rows[] = {
+        {"abc",
+         {"00000003" + abc, "0000000d" + abc, "00002c58" + abc, "00000003" + abc + "0d0a789c"}},
+        {"", {"00000000" + abc, "00000005789c030000000001"}},
+        {nullptr,
+         {"00002c59" + abc, "7fffffff" + abc, "ffffffff" + abc, "00000003", "000000",
+          "00000003789c4b4c4a0600", "00000003789c4b4c4a0600024d0128",
+          "00000003ffffffffffffffffffff", "0000000378bb0000000100000000dead"}}};
+    const TempDir dir;
+    for (const auto& row : rows) {
+        for (const QByteArray& stored : row.stored) {
+            SCOPED_TRACE(stored.data());
+            dir.Put("block", QByteArray::fromHex(stored));
+            EXPECT_EQ(row.block ? row.block : "", Load(row.block != nullptr));
+        }
     }
 }
 
 TEST(ZipFile, MissingFilesAreCreatedAndRefusalsChangeNothing)
 {
-    const TemporaryFiles files;
-    EXPECT_EQ("", Load(files.Path("a\\b"), 0)); // the path is taken as it stands
-    EXPECT_TRUE(QFile::exists(files.NameOf("a\\b")));
-
+    const TempDir dir;
     CQZipFile zip;
     zip.Close(); // nothing is open
-    const CQWString nowhere = files.Path("none/block");
-    const CQWString path = files.Path("new");
     QByteArray block("unset");
     auto* bytes = reinterpret_cast<unsigned char*>(block.data());
     unsigned char* none = nullptr;
-    int length = 1;
-    int negative = -1;
-    EXPECT_EQ(0, zip.Read(block, nowhere.GetDataPtr()));
-    EXPECT_EQ(0, zip.Read(&bytes, &length, nowhere.GetDataPtr()));
-    EXPECT_EQ(0, zip.Write(&bytes, &length, nowhere.GetDataPtr()));
-    EXPECT_EQ(0, zip.Read(&none, &length, path.GetDataPtr()));
-    EXPECT_EQ(0, zip.Write(&none, &length, path.GetDataPtr()));
-    EXPECT_EQ(0, zip.Write(&bytes, &negative, path.GetDataPtr()));
-    EXPECT_EQ(0, zip.Open(nullptr));
-    EXPECT_EQ("unset", block);
-    EXPECT_EQ(1, length);
-    EXPECT_FALSE(QFile::exists(files.NameOf("new")));
+    int length = 1, negative = -1;
+    for (const wchar_t* path : {L"none/block", static_cast<const wchar_t*>(nullptr)}) {
+        EXPECT_FALSE(zip.Read(block, path) || zip.Read(&bytes, &length, path) ||
+                     zip.Write(&bytes, &length, path));
+    }
+    EXPECT_FALSE(zip.Read(&none, &length, L"new") || zip.Write(&none, &length, L"new") ||
+                 zip.Write(&bytes, &negative, L"new"));
+    EXPECT_TRUE(block == "unset" && length == 1 && dir.All().empty());
+    EXPECT_EQ(1, zip.Read(&bytes, &length, L"a\\b")); // the path is taken as it stands
+    EXPECT_EQ(0, length);
+    EXPECT_EQ("a\\b= ", dir.All());
 }
 
 TEST(ZipFile, AnEarlierFileStaysOpenUntilTheObjectGoes)
 {
-    const TemporaryFiles files;
-    const auto openBefore = OpenFiles();
+    const TempDir dir;
+    const auto openFiles = [] {
+        return QDir("/proc/self/fd").entryList(QDir::Files | QDir::System).size();
+    };
+    const auto openBefore = openFiles();
     {
         CQZipFile zip;
-        for (const char* name : {"open", "closed", "open too", "none/refused", "last"}) {
-            zip.Open(files.Path(name).GetDataPtr());
-            if (qstrcmp(name, "closed") == 0) {
-                zip.Close();
-            }
+        for (const wchar_t* name : {L"open", L"closed", L"open too", L"none/refused", L"last"}) {
+            zip.Open(name);
+            *name == L'c' ? zip.Close() : void();
         }
-        EXPECT_EQ(openBefore + 3, OpenFiles());
+        EXPECT_EQ(openBefore + 3, openFiles());
     }
-    EXPECT_EQ(openBefore, OpenFiles());
+    EXPECT_EQ(openBefore, openFiles());
 }
