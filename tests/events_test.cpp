@@ -184,7 +184,7 @@ TEST(Scheduler, RunsHigherPrioritiesFirstOnAThreadOfItsOwn)
     added[8]->m_work = [&, mainThread = std::this_thread::get_id()] {
         EXPECT_NE(mainThread, std::this_thread::get_id());
         scheduler->Add(nullptr);
-        for (int i = 0; i < 8; ++i) {
+        for (std::size_t i = 0; i < 8; ++i) {
             scheduler->Add(added[i]);
         }
     };

@@ -188,9 +188,8 @@ TEST_F(Decoders, AMaskedFileLeavesOnlyItsMaskAndIsNotAnnouncedWhereAPlainOneIsNe
 
 TEST_F(Decoders, AnImageThatIsResizedKeepsItsSizeAndIsNotAnnounced)
 {
-    const std::pair<QSize, int> cases[] = {
-        {{4, 100}, 1}, {{8, 1}, 0}, {{-1, -1}, 1}, {{0, 0}, 1}, {{-1, INT_MAX}, 1}};
-    for (const auto& [screen, resized] : cases) {
+    for (const QSize screen : {QSize(4, 100), {8, 1}, {-1, -1}, {0, 0}, {-1, INT_MAX}}) {
+        const int resized = screen.width() < 8 ? 1 : 0;
         fitting->SetScreenSize(screen);
         EXPECT_EQ(1, fitting->DecodeImgFile(&opaquePath, 1, true));
         EXPECT_EQ(resized != 0, Take().empty()) << screen.width();
@@ -232,23 +231,22 @@ TEST_F(Decoders, TheDirectFormOfAMaskedDecodeLeavesTheDecoderBusy)
 TEST_F(Decoders, FittingSizes)
 {
     const QSize cases[][3] = {
-        // image, screen, fit
+        // Image, screen, fit. Only the width says whether an image fits.
         {{960, 800}, {480, 800}, {480, 400}},
         {{960, 3200}, {480, 800}, {240, 800}},
         {{960, 1600}, {480, 800}, {480, 800}},
-        {{400, 1000}, {480, 800}, {400, 1000}}, // only the width is looked at
-        {{200, 100}, {176, 1000}, {176, 87}},   // 100 / (200.0 / 176) is a little below 88
+        {{400, 1000}, {480, 800}, {400, 1000}},
+        {{200, 100}, {176, 1000}, {176, 87}}, // 100 / (200.0 / 176) is a little below 88
         // Ratios below 1 multiply: a screen that was never set, or is negative.
         {{640, 480}, {-1, -1}, {-307200, -1}},
         {{640, 480}, {-3, 1000}, {307, 1000}},
-        // No division by zero, no overflow.
+        // No division by zero, no overflow; a side below 1 is refused.
         {{640, 480}, {0, 0}, {0, 0}},
         {{640, 480}, {0, 100}, {0, 0}},
         {{100000, 30000}, {-1, -1}, {INT_MIN, -1}},
         {{INT_MAX, INT_MAX - 1}, {INT_MAX - 1, INT_MAX}, {INT_MAX - 1, INT_MAX - 2}},
-        {{0, 10}, {480, 800}, {-7, -7}}, // refused
-        {{10, 0}, {480, 800}, {-7, -7}},
-    };
+        {{0, 10}, {480, 800}, {-7, -7}},
+        {{10, 0}, {480, 800}, {-7, -7}}};
     for (const auto& [image, screen, expected] : cases) {
         QSize fit(-7, -7);
         fitting->SetScreenSize(screen);
@@ -275,8 +273,7 @@ TEST(ImageTypes, NamesAreSplitAtTheFirstDot)
         {L"/pics.old/readme", L"readme", L""},
         {L".hidden", L"", L"hidden"},
         {L"dir\\a.gif", L"dir\\a", L"gif"},
-        {L"/\U0001F600\U0001F601.jpg", L"\U0001F600\U0001F601", L"jpg"},
-    };
+        {L"/\U0001F600\U0001F601.jpg", L"\U0001F600\U0001F601", L"jpg"}};
     for (const auto& [path, name, extension] : cases) {
         CQWString text(QString::fromWCharArray(path)), part(QStringLiteral("before"));
         CQFileNameUtil::FindShortName(text, part);
