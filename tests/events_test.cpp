@@ -43,6 +43,9 @@ struct Active : CQActive {
     std::function<void()> m_work = [] {};
 };
 
+// What a running worker polls must outlive it: made before main, destroyed after its end.
+std::vector<std::unique_ptr<Active>> added;
+
 /// Collects the notices that reach it, as receiver of a worker or as filter on the scheduler.
 struct Notices : QObject {
     bool event(QEvent* e) override { return eventFilter(this, e); }
@@ -175,9 +178,8 @@ TEST(Scheduler, RunsHigherPrioritiesFirstOnAThreadOfItsOwn)
     auto* const scheduler = CQActiveScheduler::instance();
     ASSERT_EQ(scheduler, CQActiveScheduler::instance());
     scheduler->installEventFilter(&notices);
-    static std::vector<Active*> added; // what a running worker polls is never destroyed
     for (const int nPriority : {0, 0, 2, 1, 5, -1, 3, 4, 4, 0}) {
-        added.push_back(new Active('p', nPriority));
+        added.push_back(std::make_unique<Active>('p', nPriority));
         added.back()->Complete(static_cast<int>(added.size()));
     }
     // One adds the others while its own priority, the first, is being passed.
@@ -185,17 +187,17 @@ TEST(Scheduler, RunsHigherPrioritiesFirstOnAThreadOfItsOwn)
         EXPECT_NE(mainThread, std::this_thread::get_id());
         scheduler->Add(nullptr);
         for (std::size_t i = 0; i < 8; ++i) {
-            scheduler->Add(added[i]);
+            scheduler->Add(added[i].get());
         }
     };
-    scheduler->Add(added[8]);
+    scheduler->Add(added[8].get());
     notices.Await(7);
     EXPECT_EQ("p9p8p7p3p4p1p2", ran);
 
     // Another cycle, in which nothing runs but what is raised again or added meanwhile.
-    std::thread([&] { scheduler->Add(added[9]); }).join();
+    std::thread([&] { scheduler->Add(added[9].get()); }).join();
     notices.Await(8);
-    EXPECT_EQ(added[9], notices.m_actives.back());
+    EXPECT_EQ(added[9].get(), notices.m_actives.back());
     EXPECT_EQ("p9p8p7p3p4p1p2p10", ran);
 
     // Every event is swallowed, deferred deletion included.
