@@ -29,6 +29,7 @@ public:
     /// True if the count has reached or passed the maximum.
     bool IsUpMax() const;
 
+    /// The maximum of the last SetMaxCount().
     int GetMaxCount() const;
 
 private:

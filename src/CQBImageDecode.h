@@ -45,6 +45,7 @@ public:
     CQBImageDecode(const CQBImageDecode&) = delete;
     CQBImageDecode& operator=(const CQBImageDecode&) = delete;
 
+    /// The second phase of NewL(): sets the notifier, which may be null and is not owned.
     void ConstructL(CImgDecodeNotify* notify);
 
     /// Decodes the file at \a path, fitted to the screen by the switch of the last DecodeImgFile()

@@ -17,12 +17,11 @@ class QImage;
 /// and the notifier is called before the call returns: once for each decode that ran. The image
 /// is then taken with GetImage(), or with GetImageFromPng() after the operations that also make a
 /// mask.
-/// \code
-/// std::unique_ptr<CQImageDecode> decoder(CQImageDecode::NewL(enFormat_RGB32, &notifier));
-/// if (decoder->DecodeImgFileL(&path, id) != 0) {
-///     std::unique_ptr<QImage> image(decoder->GetImage());
-/// }
-/// \endcode
+///
+///     std::unique_ptr<CQImageDecode> decoder(CQImageDecode::NewL(enFormat_RGB32, &notifier));
+///     if (decoder->DecodeImgFileL(&path, id) != 0) {
+///         std::unique_ptr<QImage> image(decoder->GetImage());
+///     }
 ///
 /// Decode operations return 1 when a decode ran, also when it failed: the image is then a null
 /// QImage. They return 0 for null or empty arguments and for the name "nopic.bmp", which stands
@@ -48,6 +47,7 @@ public:
     CQImageDecode(const CQImageDecode&) = delete;
     CQImageDecode& operator=(const CQImageDecode&) = delete;
 
+    /// The second phase of NewL(): sets the notifier, which may be null and is not owned.
     void ConstructL(CImgDecodeNotify* notify);
 
     /// Decodes the file at \a path and converts it to the display mode. Refuses \a path when it

@@ -131,12 +131,15 @@ CQSchedulerInstance::~CQSchedulerInstance() = default;
 
 void CQSchedulerInstance::Add(CQActive* active)
 {
-    if (active == nullptr || active->m_nPriority < 0 ||
-        active->m_nPriority >= static_cast<qint32>(std::size(m_pLists))) {
+    if (active == nullptr) {
+        return;
+    }
+    const qint32 nPriority = active->m_nPriority;
+    if (nPriority < 0 || nPriority >= static_cast<qint32>(std::size(m_pLists))) {
         return;
     }
     const QMutexLocker locker(m_pMutex);
-    m_pLists[active->m_nPriority]->append(active);
+    m_pLists[nPriority]->append(active);
 }
 
 void CQSchedulerInstance::RunActiveList(QList<CQActive*>* list)

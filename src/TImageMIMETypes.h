@@ -10,6 +10,7 @@
 class ORVO_EXPORT TImageMIMETypes
 {
 public:
+    /// A holder without a list.
     TImageMIMETypes();
     /// Frees the list and every string that was allocated for it.
     ~TImageMIMETypes();
