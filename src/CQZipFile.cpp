@@ -107,11 +107,13 @@ void CQZipFile::Adopt(QFile* pFile)
 
 int CQZipFile::Read(unsigned char** data, int* length, wchar_t const* path)
 {
-    if (data == nullptr || *data == nullptr || length == nullptr || Open(path) == 0) {
+    if (data == nullptr || length == nullptr || Open(path) == 0) {
         return 0;
     }
     const QByteArray block = BlockIn(m_pFile->readAll()).value_or(QByteArray());
-    std::copy(block.cbegin(), block.cend(), *data);
+    if (*data != nullptr) {
+        std::copy(block.cbegin(), block.cend(), *data);
+    }
     *length = static_cast<int>(block.size());
     return 1;
 }

@@ -30,13 +30,15 @@ public:
 
     /// Reads the block into the buffer at \a *data, which the caller has made large enough for
     /// it: the size of the buffer is not known here and not checked. Where the content does not
-    /// come from a trusted source use Read(QByteArray&, const wchar_t*).
+    /// come from a trusted source use Read(QByteArray&, const wchar_t*). A null \a *data takes
+    /// nothing, and only the length is told.
     ///
     /// A missing file is created, empty. A file that does not hold a compressed block gives
     /// \a *length 0 and, like an empty block, the result 1; so does a length field that is
     /// beyond 2^31 - 1 or beyond what the stream could expand to, whatever the stream holds.
     /// \param length  receives the length of the block.
-    /// \return  1; 0, with nothing changed, when the file cannot be opened, or for null.
+    /// \return  1; 0, with nothing changed, when the file cannot be opened, or when \a data or
+    ///          \a length is null.
     virtual int Read(unsigned char** data, int* length, wchar_t const* path);
 
     /// Writes the \a *length bytes at \a *data in compressed form from the start of the file,

@@ -81,8 +81,14 @@ void Play(std::string_view scenario, Clock::duration moment)
         sleep_for(moment);
         std::exit(0);
     } else if (scenario == "RunNeverEnds") {
-        AddReady([] { sleep_for(1h); });
-        sleep_for(moment);
+        static std::atomic<bool> begun{false};
+        AddReady([] {
+            begun = true;
+            sleep_for(1h);
+        });
+        while (!begun) { // a run that has begun may still be there when its object goes
+            sleep_for(1ms);
+        }
     } else if (scenario == "RunCallsExit") {
         AddReady([] {
             owner.latestEnd = Clock::now() + 1900ms;
