@@ -2,14 +2,12 @@
 
 // Strings of either class as tests write and read them.
 
+#include "TestPrelude.h"
+
 #include <CQSString.h>
 #include <CQWString.h>
 
-#include <gtest/gtest.h>
-
-#include <string>
 #include <type_traits>
-#include <vector>
 
 template <class String>
 using Unit = std::remove_cv_t<std::remove_pointer_t<decltype(String().GetDataPtr())>>;
@@ -41,9 +39,4 @@ std::string Content(const String& s)
     const auto* const p = s.GetDataPtr();
     EXPECT_TRUE(p == nullptr ? s.GetLength() == 0 : p[s.GetLength()] == 0);
     return {p, p + s.GetLength()};
-}
-
-inline void ExpectAll(int expected, const std::vector<int>& results)
-{
-    EXPECT_EQ(std::vector<int>(results.size(), expected), results);
 }

@@ -1,18 +1,23 @@
 #pragma once
 
+#include "TestPrelude.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <string>
-
-/// A directory of its own for one test case, current as long as it lives. Names are relative to
-/// it.
+/// A directory of its own for one test case, current while it lives: names are relative to it.
 class TempDir
 {
 public:
-    TempDir() { QDir::setCurrent(m_dir.path()); }
+    explicit TempDir(std::initializer_list<const char*> names = {})
+    {
+        QDir::setCurrent(m_dir.path());
+        for (const char* name : names) {
+            Put(name);
+        }
+    }
 
     QString Absolute(const QString& name) const { return m_dir.filePath(name); }
     /// Makes a file and its directories, or only a directory where \a name ends with a slash.

@@ -1,17 +1,16 @@
 #include "AssertRecorder.h"
+#include "TestPrelude.h"
 
 #include <OrvoAssert.h>
-
-#include <gtest/gtest.h>
 
 namespace
 {
 
-int replacementCalls = 0;
+int calls = 0;
 
-void Replacement(const char*, const char*, int)
+void Count(const char*, const char*, int)
 {
-    ++replacementCalls;
+    ++calls;
 }
 
 } // namespace
@@ -22,19 +21,14 @@ TEST(Assertion, IsFatalByDefaultAndNamesExpressionSourceAndLine)
                  "\"nLen >= 0\" in src/CQSString, line 17");
 }
 
-TEST(Assertion, NullRestoresTheFatalHandler)
+TEST(Assertion, HandlerThatReturnsMakesFailuresNonFatalAndNullRestoresTheFatalOne)
 {
-    OrvoSetAssertHandler(Replacement);
-    EXPECT_EQ(Replacement, OrvoSetAssertHandler(nullptr));
-    EXPECT_DEATH(OrvoAssert(false, "0", "src/CQFile", 710), "src/CQFile, line 710");
-}
-
-TEST(Assertion, HandlerThatReturnsMakesFailuresNonFatal)
-{
-    OrvoSetAssertHandler(Replacement);
+    OrvoSetAssertHandler(Count);
     EXPECT_FALSE(OrvoAssert(false, "0", "src/CQFile"));
     EXPECT_TRUE(OrvoAssert(true, "0", "src/CQFile"));
-    EXPECT_EQ(1, replacementCalls);
+    EXPECT_EQ(1, calls);
+    EXPECT_EQ(Count, OrvoSetAssertHandler(nullptr));
+    EXPECT_DEATH(OrvoAssert(false, "0", "src/CQFile", 710), "src/CQFile, line 710");
 }
 
 TEST(Assertion, ReportsTheCallersLineUnlessOneIsGiven)
@@ -43,6 +37,5 @@ TEST(Assertion, ReportsTheCallersLineUnlessOneIsGiven)
     const int line = __LINE__ + 1;
     OrvoAssert(false, "a", "s");
     OrvoAssert(false, "b", "s", 4711);
-    EXPECT_TRUE(recorder.Reports().at(0).Is("a", "s", line));
-    EXPECT_TRUE(recorder.Reports().at(1).Is("b", "s", 4711));
+    EXPECT_EQ((AssertReports{{"a", "s", line}, {"b", "s", 4711}}), recorder.Take());
 }

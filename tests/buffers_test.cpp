@@ -1,14 +1,9 @@
 #include "AssertRecorder.h"
 #include "FailingAllocator.h"
+#include "TestPrelude.h"
 
 #include <ByteOrder.h>
 #include <MLDataBuf.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <bit>
-#include <vector>
 
 using Bytes = std::vector<unsigned char>;
 
@@ -35,21 +30,19 @@ TEST(DataBuf, AppendsAreAllOrNothingInHostOrder)
     ASSERT_EQ(1, buffer.Create(storage.data(), 7));
     EXPECT_EQ(4, buffer.Append(static_cast<unsigned long>(0xAA55667788ULL)));
     EXPECT_EQ(0, buffer.Append(0xFFFFFFFFUL));
-    EXPECT_EQ(2, buffer.Append(static_cast<unsigned short>(0x1234)));
-    EXPECT_EQ(0, buffer.Append(static_cast<unsigned short>(0xFFFF)));
+    using Word = unsigned short;
+    EXPECT_TRUE(buffer.Append(Word{0x1234}) == 2 && buffer.Append(Word{0xFFFF}) == 0);
     EXPECT_EQ(0UL, buffer.Append(data, 2) + buffer.Append(data, ~0UL));
     EXPECT_EQ(0UL, buffer.Append(nullptr, 1) + buffer.Append(data, 0));
     EXPECT_EQ(std::endian::native == std::endian::little
                   ? (Bytes{0x88, 0x77, 0x66, 0x55, 0x34, 0x12, 9, 9})
                   : (Bytes{0x55, 0x66, 0x77, 0x88, 0x12, 0x34, 9, 9}),
               storage);
-    EXPECT_EQ(1, buffer.Append(data[0]));
-    EXPECT_EQ(0, buffer.Append(data[0]));
+    EXPECT_TRUE(buffer.Append(data[0]) == 1 && buffer.Append(data[0]) == 0);
     buffer.Zero();
     EXPECT_EQ(7UL, buffer.GetFreeSize());
     EXPECT_EQ((Bytes{0, 0, 0, 0, 0, 0, 0, 9}), storage);
-    EXPECT_EQ(3UL, buffer.Append(data, 3));
-    EXPECT_EQ(4UL, buffer.Append(buffer.GetBuf(), 4));
+    EXPECT_TRUE(buffer.Append(data, 3) == 3 && buffer.Append(buffer.GetBuf(), 4) == 4);
     EXPECT_EQ((Bytes{1, 2, 3, 1, 2, 3, 0, 9}), storage);
 }
 
@@ -63,16 +56,15 @@ TEST(DataBuf, MoveDataToHeadKeepsTheRestAndZeroesWhatItVacates)
         ASSERT_EQ(1, buffer.Create(storage.data(), storage.size()));
         buffer.Append(storage.data(), 10);
         buffer.MoveDataToHead(start);
-
         const int dropped = start <= 10 ? std::max(start, 0) : 0;
         Bytes expected(sample.begin() + dropped, sample.end());
         expected.insert(expected.end() - 2, static_cast<std::size_t>(dropped), 0);
         EXPECT_EQ(expected, storage) << "from " << start;
         EXPECT_EQ(static_cast<unsigned long>(10 - dropped), buffer.GetUsedSize());
     }
-    ASSERT_EQ(2U, recorder.Reports().size()) << "from -1 and 11";
-    EXPECT_TRUE(recorder.Reports()[1].Is("(nStartPos >= 0) && (nStartPos <= (QINT)m_dwUsedSize)",
-                                         "src/MLDataBuf", 88));
+    const AssertReport report{"(nStartPos >= 0) && (nStartPos <= (QINT)m_dwUsedSize)",
+                              "src/MLDataBuf", 88};
+    EXPECT_EQ((AssertReports{report, report}), recorder.Take()) << "from -1 and 11";
 }
 
 // The first storage, zeroed, belongs to whoever took it from GetBuf(): freeing it in a second
@@ -102,7 +94,6 @@ TEST(ByteOrder, PacksTheLow32BitsMostSignificantByteFirst)
     EXPECT_EQ((Bytes{0, 0x11, 0x22, 0x33, 0x44, 0}), bytes);
     SetWORD(bytes.data() + 1, 0xA1B2);
     EXPECT_EQ((Bytes{0, 0xA1, 0xB2, 0x33, 0x44, 0}), bytes);
-
     unsigned char packed[] = {0x7F, 0xFF, 0x80, 0x03, 0x04, 0x05, 0x06, 0x07, 0xF8};
     unsigned short word = 0;
     unsigned long doubleWord = ~0UL;
@@ -110,9 +101,7 @@ TEST(ByteOrder, PacksTheLow32BitsMostSignificantByteFirst)
     GetWORD(word, packed + 1);
     GetDWORD(doubleWord, packed + 1);
     GetLLONG(quad, packed + 1);
-    EXPECT_EQ(0xFF80, word);
-    EXPECT_EQ(0xFF800304UL, doubleWord);
-    EXPECT_EQ(0xFF800304050607F8ULL, quad);
+    EXPECT_TRUE(word == 0xFF80 && doubleWord == 0xFF800304 && quad == 0xFF800304050607F8);
 }
 
 TEST(ByteOrder, HostToNetworkSwapsOnLittleEndianHostsOnly)

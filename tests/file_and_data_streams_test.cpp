@@ -1,15 +1,12 @@
+#include "StringContent.h"
 #include "TempDir.h"
+#include "TestPrelude.h"
 
-#include <CQSString.h>
 #include <DataInputStream.h>
 #include <DataOutputStream.h>
 #include <FileInputStream.h>
 #include <FileOutputStream.h>
 #include <ISerializable.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 using namespace OrvoStream;
 using namespace std::string_literals;
@@ -63,8 +60,7 @@ TEST(FileStreams, OutputIsWhatWasFlushedAndNoMore)
 
 TEST(FileStreams, OnlyInputIsOpenedAgainWhereThatFailed)
 {
-    const TempDir dir;
-    dir.Put("file/");
+    const TempDir dir{"file/"};
     FileInputStream in(path);
     char bytes[3] = {};
     EXPECT_EQ(0, in.LoadBuffer(bytes, 2));
@@ -91,16 +87,13 @@ TEST(FileStreams, OnlyInputIsOpenedAgainWhereThatFailed)
 TEST(DataStreams, ItemsAreTheirBytesInMemoryAndAllGoThroughOneWrite)
 {
     const TempDir dir;
-    CQSString text;
-    text.SetData(reinterpret_cast<unsigned char*>("a\0b"s.data()), 3);
+    const auto text = Make<CQSString>("a\0b"s);
     FileOutputStream file(path);
     Recording recording(file);
     DataOutputStream& out = recording;
-    EXPECT_EQ(0, out.Write(text)) << "the position, not a count";
-    EXPECT_EQ(3, out.Write(CQSString()));
-    EXPECT_EQ(3, out.Write(short{7}));
-    EXPECT_EQ(5, out.Write('c'));
-    EXPECT_EQ(6, out.Write(5));
+    const std::vector positions = {out.Write(text), out.Write(CQSString()), out.Write(short{7}),
+                                   out.Write('c'), out.Write(5)};
+    EXPECT_EQ((std::vector{0, 3, 3, 5, 6}), positions) << "not counts";
     out << text << 0x01020304 << 0xFFFFFFFEU << static_cast<unsigned long>(0x1122334455667788ULL)
         << short{0x0102} << static_cast<unsigned short>(0xFFFF) << 'A' << '\xE4'
         << static_cast<unsigned char>(255) << "text" << static_cast<char*>(nullptr) << Point();

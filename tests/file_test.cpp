@@ -1,5 +1,6 @@
 #include "AssertRecorder.h"
 #include "TempDir.h"
+#include "TestPrelude.h"
 
 #include <CQFile.h>
 #include <CQFileUtils.h>
@@ -7,10 +8,6 @@
 
 #include <QTime>
 
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <memory>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -33,6 +30,9 @@ int Put(CQFile& file, const std::string& text)
     return file.Write(text.data(), static_cast<unsigned int>(text.size()));
 }
 
+using F = CQFile;
+using U = CQFileUtils;
+
 const wchar_t* const Null = nullptr;
 
 std::wstring Content(const CQWString& text)
@@ -44,7 +44,7 @@ std::wstring Listing(const char* dir, const char* ext, bool withDirs)
 {
     CQWString path = QString(dir), extension = QString(ext);
     CQWString* names = &path;
-    const int count = CQFile::GetDirFileList(path, extension, withDirs, &names);
+    const int count = F::GetDirFileList(path, extension, withDirs, &names);
     const std::unique_ptr<CQWString[]> owner(names);
     std::wstring result = names ? L"" : L"null";
     for (int i = 0; i < count; ++i) {
@@ -106,8 +106,7 @@ TEST(File, AFileThatCannotBeOpenedIsReplaced)
     const sockaddr_un address{AF_UNIX, "socket"};
     for (const Mode mode : {Read, Write, ReadWrite, Append}) {
         SCOPED_TRACE(mode);
-        const TempDir dir;
-        dir.Put("d/");
+        const TempDir dir{"d/"};
         const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
         ASSERT_EQ(0, bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address));
         close(descriptor);
@@ -133,16 +132,14 @@ TEST(File, PositionsAre32Bit)
         EXPECT_EQ(*row.rest != 0, file.Seek(row.offset, row.origin)) << row.offset;
         EXPECT_EQ(row.rest, ReadAll(file));
     }
-    EXPECT_EQ(1, file.SeekToBegin());
-    EXPECT_EQ(100, file.GetLength());
+    EXPECT_TRUE(file.SeekToBegin() == 1 && file.GetLength() == 100);
     EXPECT_EQ(100U, ReadAll(file).size());
     EXPECT_TRUE(file.SetSize(3) && file.SeekToEnd() && Put(file, "!"));
     EXPECT_EQ("aaa!", dir.Get("file"));
     EXPECT_EQ(0, file.SetSize(-1));
     // Beyond 4 GiB only the low 32 bits of the length count, so this is position 2.
     ASSERT_TRUE(QFile::resize("file", 0x100000005LL));
-    EXPECT_EQ(5, file.GetLength());
-    EXPECT_EQ(1, file.Seek(-3, 2));
+    EXPECT_TRUE(file.GetLength() == 5 && file.Seek(-3, 2) == 1);
     EXPECT_EQ("!", ReadAll(file).substr(1, 1));
 }
 
@@ -194,30 +191,25 @@ TEST(File, AFullDiskShowsInLargeWritesOnly)
 
 TEST(FileSystem, EveryWideUnitOfAPathCounts)
 {
-    const TempDir dir;
+    const TempDir dir{"\xEF\xBF\xBD", "\xF0\x9F\x98\x80"}; // in UTF-8
     dir.Put(QStringLiteral("\uFEFFmark"));
-    dir.Put(QStringLiteral("\uFFFD"));
-    dir.Put(QStringLiteral("\U0001F600"));
     const wchar_t noCodePoint[] = {static_cast<wchar_t>(0xFFFFFFFFU), 0}; // stands for U+FFFD
-    EXPECT_TRUE(CQFile::IsFileExist(L"\uFEFFmark") && CQFile::IsFileExist(L".\\\U0001F600") &&
-                CQFile::IsFileExist(noCodePoint));
-    EXPECT_FALSE(CQFile::IsFileExist(L"") || CQFile::IsFileExist(Null));
+    EXPECT_TRUE(F::IsFileExist(L"\uFEFFmark") && F::IsFileExist(L".\\\U0001F600") &&
+                F::IsFileExist(noCodePoint));
+    EXPECT_FALSE(F::IsFileExist(L"") || F::IsFileExist(Null));
 }
 
 TEST(FileSystem, PathsAreTakenApart)
 {
-    for (const char* path : {"c:/x", "Z:/", "C:/", "z:/a:/"}) {
-        EXPECT_EQ(1, CQFile::IsLocalPath(path)) << path;
+    EXPECT_TRUE(F::IsLocalPath("c:/x") && F::IsLocalPath("Z:/") && F::IsLocalPath("C:/") &&
+                F::IsLocalPath("z:/"));
+    for (const char* path :
+         {"b:/", "B:/", "c:\\x", "c:", "", "[:/", "{:/", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(0, F::IsLocalPath(path));
     }
-    for (const char* path : {"b:/x", "B:/x", "c:\\x", "c:", "c", "", "[:/", "{:/", "\xE4:/"}) {
-        EXPECT_EQ(0, CQFile::IsLocalPath(path)) << path;
-    }
-    EXPECT_EQ(0, CQFile::IsLocalPath(nullptr));
-
     CQWString name = QString("old"), none;
     for (const CQWString* path : {&none, static_cast<CQWString*>(nullptr)}) {
-        EXPECT_FALSE(CQFile::GetFileName(path, name));
-        EXPECT_FALSE(CQFile::GetFileNameWithoutExtension(path, name));
+        EXPECT_FALSE(F::GetFileName(path, name) || F::GetFileNameWithoutExtension(path, name));
     }
     EXPECT_EQ(L"old", Content(name));
     const struct {
@@ -234,20 +226,19 @@ TEST(FileSystem, PathsAreTakenApart)
     for (const auto& row : names) {
         SCOPED_TRACE(row.path);
         CQWString path = QString(row.path);
-        EXPECT_EQ(row.name != nullptr, CQFile::GetFileName(&path, name));
+        EXPECT_EQ(row.name != nullptr, F::GetFileName(&path, name));
         EXPECT_EQ(row.name ? row.name : L"", Content(name));
-        EXPECT_EQ(row.upToLastDot != nullptr, CQFile::GetFileNameWithoutExtension(&path, path));
+        EXPECT_EQ(row.upToLastDot != nullptr, F::GetFileNameWithoutExtension(&path, path));
         EXPECT_EQ(row.upToLastDot ? row.upToLastDot : L"", Content(path));
-        const std::unique_ptr<QString> ext(CQFileUtils::Ext(row.path));
-        const std::unique_ptr<QString> stem(CQFileUtils::FileNameWithoutExt(row.path));
+        const std::unique_ptr<QString> ext(U::Ext(row.path));
+        const std::unique_ptr<QString> stem(U::FileNameWithoutExt(row.path));
         EXPECT_EQ(row.upToFirstDot, *stem);
         EXPECT_TRUE(ext ? *ext == row.ext : !row.ext);
     }
-    EXPECT_EQ(4, CQFileUtils::ParseNextDir("c:\\a\\b", -9));
-    EXPECT_EQ(3, CQFileUtils::ParseNextDir("/a/b", 0)) << "no separator: the last index";
-    EXPECT_EQ(5, CQFileUtils::ParseNextDir("c:/a/b", 5));
-    EXPECT_EQ(6, CQFileUtils::ParseNextDir("c:/a/b", 6));
-    EXPECT_EQ(2, CQFileUtils::ParseNextDir("ab", 0));
+    EXPECT_EQ(4, U::ParseNextDir("c:\\a\\b", -9));
+    EXPECT_EQ(3, U::ParseNextDir("/a/b", 0)) << "no separator: the last index";
+    EXPECT_TRUE(U::ParseNextDir("c:/a/b", 5) == 5 && U::ParseNextDir("c:/a/b", 6) == 6);
+    EXPECT_EQ(2, U::ParseNextDir("ab", 0));
 }
 
 TEST(FileSystem, LengthsAre32BitAndTakeBackslashesAsTheyAre)
@@ -256,76 +247,63 @@ TEST(FileSystem, LengthsAre32BitAndTakeBackslashesAsTheyAre)
     dir.Put("sub/file", "12345");
     dir.Put("back\\slash", "");
     const CQWString file = QString("sub/file");
-    EXPECT_EQ(5, CQFile::GetFileLenght(file));
-    EXPECT_EQ(5, CQFile::GetFileLenght(L"sub/", L"file"));
-    EXPECT_EQ(0, CQFile::GetFileLenght(L"back\\slash"));
-    EXPECT_EQ(-1, CQFile::GetFileLenght(L"sub\\file"));
-    EXPECT_EQ(-1, CQFile::GetFileLenght(Null));
-    EXPECT_EQ(-1, CQFile::GetFileLenght(Null, file));
+    EXPECT_TRUE(F::GetFileLenght(file) == 5 && F::GetFileLenght(L"sub/", L"file") == 5);
+    EXPECT_TRUE(F::GetFileLenght(L"back\\slash") == 0 && F::GetFileLenght(L"sub\\file") == -1 &&
+                F::GetFileLenght(Null) == -1 && F::GetFileLenght(Null, file) == -1);
     ASSERT_TRUE(QFile::resize("back\\slash", 0x80000005LL));
-    EXPECT_EQ(-0x7FFFFFFB, CQFile::GetFileLenght(L"back\\slash"));
+    EXPECT_EQ(-0x7FFFFFFB, F::GetFileLenght(L"back\\slash"));
 }
 
 TEST(FileSystem, FilesAreCopiedRenamedAndDeleted)
 {
-    const TempDir dir;
-    dir.Put("a");
+    const TempDir dir{"a"};
     dir.Put("b", "other");
-    EXPECT_FALSE(CQFile::CopyFile(L"a", L"b") || CQFile::RenameFile(L"a", L"b"));
-    EXPECT_EQ(1, CQFile::CopyFile(L".\\", L"a", L"n\\e\\w\\", L"d"));
-    EXPECT_TRUE(CQFile::CopyFile(L".\\a", L".\\c") && CQFile::RenameFile(L".\\c", L"n\\e\\e"));
+    EXPECT_FALSE(F::CopyFile(L"a", L"b") || F::RenameFile(L"a", L"b"));
+    EXPECT_EQ(1, F::CopyFile(L".\\", L"a", L"n\\e\\w\\", L"d"));
+    EXPECT_TRUE(F::CopyFile(L".\\a", L".\\c") && F::RenameFile(L".\\c", L"n\\e\\e"));
     EXPECT_EQ("a=x b=other n/ n/e/ n/e/e=x n/e/w/ n/e/w/d=x ", dir.All());
-    EXPECT_TRUE(CQFile::DeleteFile(L"n\\e\\", L"e") && CQFile::DeleteFile(L".\\b"));
-    EXPECT_EQ(-1, CQFile::CopyFile(L"", L"a", Null, L"d"));
-    EXPECT_FALSE(CQFile::DeleteFile(L"b") || CQFile::DeleteFile(Null, L"a") ||
-                 CQFile::CopyFile(L"", L"c") || CQFile::CopyFile(L"a", Null) ||
-                 CQFile::RenameFile(Null, L"c") || CQFile::RenameFile(L"a", L""));
+    EXPECT_TRUE(F::DeleteFile(L"n\\e\\", L"e") && F::DeleteFile(L".\\b"));
+    EXPECT_EQ(-1, F::CopyFile(L"", L"a", Null, L"d"));
+    EXPECT_FALSE(F::DeleteFile(L"b") || F::DeleteFile(Null, L"a") || F::CopyFile(L"", L"c") ||
+                 F::CopyFile(L"a", Null) || F::RenameFile(Null, L"c") || F::RenameFile(L"a", L""));
     EXPECT_EQ("a=x n/ n/e/ n/e/w/ n/e/w/d=x ", dir.All());
 }
 
 TEST(FileSystem, DirectoriesAreMadeRenamedAndRemoved)
 {
     const TempDir dir;
-    EXPECT_TRUE(CQFile::CreateDirectory(L"a\\b") && CQFile::CreateDirectory(L"a\\b"));
-    EXPECT_FALSE(CQFile::DelDir(L"a")) << "not empty";
-    EXPECT_TRUE(CQFile::DelDir(L"a\\b") && CQFile::RenameDir(L".\\a", L".\\z", 7));
-    EXPECT_FALSE(CQFile::DelDir(L"a") || CQFile::RenameDir(L"a", L"b", 0) ||
-                 CQFile::RenameDir(L"z", Null, 0));
-    EXPECT_EQ(1, CQFile::MakeDir(dir.Absolute("c\\d/e/")));
+    EXPECT_TRUE(F::CreateDirectory(L"a\\b") && F::CreateDirectory(L"a\\b"));
+    EXPECT_FALSE(F::DelDir(L"a")) << "not empty";
+    EXPECT_TRUE(F::DelDir(L"a\\b") && F::RenameDir(L".\\a", L".\\z", 7));
+    EXPECT_FALSE(F::DelDir(L"a") || F::RenameDir(L"a", L"b", 0) || F::RenameDir(L"z", Null, 0));
+    EXPECT_EQ(1, F::MakeDir(dir.Absolute("c\\d/e/")));
     // Parts of a relative path are looked up and made inside that path.
-    EXPECT_EQ(0, CQFile::MakeDir("new"));
-    EXPECT_EQ(1, CQFile::MakeDir("c/d"));
+    EXPECT_TRUE(F::MakeDir("new") == 0 && F::MakeDir("c/d") == 1);
     EXPECT_EQ("c/ c/d/ c/d/c/ c/d/c/d/ c/d/e/ z/ ", dir.All());
 }
 
 TEST(FileSystem, RecursiveDeleteNeverLeavesItsDirectory)
 {
-    const TempDir dir;
     // Links stay, and the walk stops where one keeps its directory: at B, between a and c.
-    for (const char* name :
-         {"keep", "w/sub/.hidden", "w/..\\keep/file", "w/empty/", "v/a", "v/B/file", "v/c"}) {
-        dir.Put(name);
-    }
+    const TempDir dir{"keep", "w/sub/.hidden", "w/..\\keep/file", "w/empty/", "v/a", "v/B/file",
+                      "v/c"};
     ASSERT_TRUE(QFile::link(dir.Absolute("."), "v/B/link"));
-    EXPECT_EQ(1, CQFile::RecursiveDelDir(L".\\w"));
+    EXPECT_EQ(1, F::RecursiveDelDir(L".\\w"));
     for (const wchar_t* path : {L"v", L"w", L"keep", L"", Null}) {
-        EXPECT_EQ(0, CQFile::RecursiveDelDir(path));
+        EXPECT_EQ(0, F::RecursiveDelDir(path));
     }
     EXPECT_EQ("keep=x v/ v/B/ v/B/link@ v/c=x ", dir.All());
 }
 
 TEST(FileSystem, ListingsAreSortedByNameIgnoringCase)
 {
-    const TempDir dir;
-    EXPECT_EQ(L"null", Listing("", "", true));
-    for (const char* name : {"b.png", "A.png", "C.PNG", "png", ".hidden.png", "d.png/in"}) {
-        dir.Put(name);
-    }
+    const TempDir dir{"b.png", "A.png", "C.PNG", "png", ".hidden.png", "d.png/in"};
+    EXPECT_EQ(L"null", Listing("d.png/in", "", true));
     dir.Put(QStringLiteral("\U0001F600.txt"));
     EXPECT_EQ(L"A.png b.png C.PNG png \U0001F600.txt ", Listing(".\\d.png\\..", "", false));
     EXPECT_EQ(L"A.png b.png C.PNG d.png ", Listing("", "png", true));
     CQWString path;
-    EXPECT_EQ(0, CQFile::GetDirFileList(path, path, true, nullptr));
+    EXPECT_EQ(0, F::GetDirFileList(path, path, true, nullptr));
 }
 
 TEST(FileUtils, RepairsRemoveOnlyWhatBlocksThePath)
@@ -340,38 +318,31 @@ TEST(FileUtils, RepairsRemoveOnlyWhatBlocksThePath)
     for (const auto& row : rows) {
         for (const bool file : {true, false}) {
             SCOPED_TRACE(std::to_string(row.code) + row.path + (file ? " file" : " directory"));
-            const TempDir dir;
-            for (const char* name : {"file", "empty/", "kept/in"}) {
-                dir.Put(name);
-            }
+            const TempDir dir{"file", "empty/", "kept/in"};
             const std::string before = dir.All();
             int code = row.code;
-            const bool done =
-                (file ? CQFileUtils::FileErrors : CQFileUtils::DirErrors)(code, row.path);
+            const bool done = (file ? U::FileErrors : U::DirErrors)(code, row.path);
             EXPECT_EQ(file ? row.forFile : row.forDir, code);
             EXPECT_EQ(code == 1 && row.code != 1 && (file || *row.path == 'f'), done);
             EXPECT_EQ(done, dir.All() != before);
         }
     }
-    EXPECT_EQ(-21, CQFileUtils::RmDir("/no-such-directory"));
+    EXPECT_EQ(-21, U::RmDir("/no-such-directory"));
 }
 
 TEST(FileUtils, DirectoriesAreMadeAndBlockingFilesRemoved)
 {
-    const TempDir dir;
-    dir.Put("file");
+    const TempDir dir{"file"};
     dir.Put("other", "old");
-    EXPECT_EQ(-12, CQFileUtils::MkDir("abc"));
-    EXPECT_EQ(-12, CQFileUtils::MkDir("file/sub")) << "only the path itself is repaired";
+    EXPECT_EQ(-12, U::MkDir("abc"));
+    EXPECT_EQ(-12, U::MkDir("file/sub")) << "only the path itself is repaired";
     EXPECT_EQ("file=x other=old ", dir.All());
-    EXPECT_TRUE(CQFileUtils::MkDir("abcd") == 1 && CQFileUtils::MkDir("abcd") == 1);
-    EXPECT_EQ(1, CQFileUtils::MkDir("file"));
-    EXPECT_EQ(1, CQFileUtils::EnsurePathExists("abcd\\b"));
-    EXPECT_EQ(1, CQFileUtils::EnsurePathExists("other"));
+    ExpectAll(1, {U::MkDir("abcd"), U::MkDir("abcd"), U::MkDir("file")});
+    EXPECT_TRUE(U::EnsurePathExists("abcd\\b") == 1 && U::EnsurePathExists("other") == 1);
     EXPECT_EQ("old", dir.Get("other")) << "the last component is not repaired";
-    EXPECT_EQ(1, CQFileUtils::EnsurePathExists("other/sub/name"));
+    EXPECT_EQ(1, U::EnsurePathExists("other/sub/name"));
     EXPECT_EQ("abcd/ abcd/b/ file/ other/ other/sub/ ", dir.All());
-    EXPECT_FALSE(CQFileUtils::IsDir(".\\abcd"));
+    EXPECT_FALSE(U::IsDir(".\\abcd"));
 }
 
 TEST(FileUtils, MkFileOpensAFileAndReportsOnlyOnItsDirectories)
@@ -381,13 +352,13 @@ TEST(FileUtils, MkFileOpensAFileAndReportsOnlyOnItsDirectories)
     umask(022);
     QFile file;
     for (const bool made : {true, false}) {
-        EXPECT_EQ(1, CQFileUtils::MkFile(file, "a\\b\\file.dat", onlyOwner));
+        EXPECT_EQ(1, U::MkFile(file, "a\\b\\file.dat", onlyOwner));
         EXPECT_EQ(made ? "" : "new", file.readAll());
         EXPECT_EQ(made, file.permissions().testFlag(QFile::ReadOther)) << "set before the open";
         file.write("new");
         file.close();
     }
-    EXPECT_EQ(1, CQFileUtils::MkFile(file, "a/b", onlyOwner));
+    EXPECT_EQ(1, U::MkFile(file, "a/b", onlyOwner));
     EXPECT_FALSE(file.isOpen());
     EXPECT_EQ("a/ a/b/ a/b/file.dat=newnew ", dir.All());
 }
@@ -397,13 +368,15 @@ TEST(File, UnsupportedOperationsAssertOnTheirLines)
     AssertRecorder recorder;
     CQFileUID uid;
     QTime time(1, 2, 3);
-    EXPECT_FALSE(CQFile().GetModifiedTime(time) || CQFile::IsValidName(L"a") ||
-                 CQFile::IsValidFileName(L"a") || CQFile::GetFileUID(L"a", uid) ||
-                 CQFile::IsFileExist(L"a", L"b"));
+    EXPECT_FALSE(CQFile().GetModifiedTime(time) || F::IsValidName(L"a") ||
+                 F::IsValidFileName(L"a") || F::GetFileUID(L"a", uid) ||
+                 F::IsFileExist(L"a", L"b"));
     EXPECT_EQ(QTime(1, 2, 3), time);
-    ASSERT_EQ(5U, recorder.Reports().size());
-    std::size_t i = 0;
-    for (const int line : {710, 1579, 1541, 1493, 1394}) {
-        EXPECT_TRUE(recorder.Reports()[i++].Is("0", "src/CQFile", line)) << line;
-    }
+    const char* const source = "src/CQFile";
+    EXPECT_EQ((AssertReports{{"0", source, 710},
+                             {"0", source, 1579},
+                             {"0", source, 1541},
+                             {"0", source, 1493},
+                             {"0", source, 1394}}),
+              recorder.Take());
 }

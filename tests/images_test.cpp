@@ -1,21 +1,16 @@
 #include "AssertRecorder.h"
-#include "TemporaryFiles.h"
+#include "StringContent.h"
+#include "TempDir.h"
+#include "TestPrelude.h"
 
 #include <CImgDecodeNotify.h>
 #include <CQBImageDecode.h>
 #include <CQFileNameUtil.h>
 #include <CQImageDecode.h>
-#include <CQSString.h>
 #include <TImageMIMETypes.h>
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <climits>
-#include <functional>
-#include <memory>
-#include <utility>
-#include <vector>
+#include <QBuffer>
+#include <QImage>
 
 namespace
 {
@@ -24,12 +19,19 @@ using Formats = std::pair<int, int>;
 using ImagePtr = std::unique_ptr<QImage>;
 using Notifications = std::vector<std::array<int, 3>>; // status, id, alpha
 
-CQSString Bytes(QByteArray bytes)
+QByteArray Png(int width, int height, QImage::Format format = QImage::Format_RGB32)
 {
-    CQSString result;
-    result.SetData(reinterpret_cast<unsigned char*>(bytes.data()), static_cast<int>(bytes.size()));
-    return result;
+    QImage image(width, height, format);
+    image.fill(Qt::red);
+    QBuffer buffer;
+    image.save(&buffer, "PNG");
+    return buffer.data();
 }
+
+// The two headers of a bitmap file, little-endian, that claims 60000 x 60000 pixels of 24 bits.
+const QByteArray HugeBitmap =
+    QByteArray::fromHex("424d3600000000000000360000002800000060ea000060ea000001001800") +
+    QByteArray(24, '\0');
 
 struct Decoders : testing::Test, CImgDecodeNotify {
     void OnImageDecoded(int status, int id, int hasAlpha) override
@@ -40,21 +42,30 @@ struct Decoders : testing::Test, CImgDecodeNotify {
     // Returns what was recorded since the last call and starts over.
     Notifications Take() { return std::exchange(m_notifications, {}); }
 
-    // Takes both images of the plain decoder and returns their formats; -1 for none.
-    Formats TakeFormats()
+    // Takes both images of the plain decoder, behind an operation that gave the result, and
+    // returns their formats; -1 for none.
+    Formats TakeFormats(int result = 1)
     {
         QImage* images[2] = {};
+        EXPECT_EQ(1, result);
         EXPECT_EQ(1, plain->GetImageFromPng(&images[0], &images[1]));
         const ImagePtr image(images[0]), mask(images[1]);
         return {image ? image->format() : -1, mask ? mask->format() : -1};
     }
 
-    TemporaryFiles files;
-    CQWString dir = files.Path("./"), alphaName{QStringLiteral("alpha")}, none;
-    CQWString opaquePath = files.Add("opaque", Png(8, 6));
-    CQWString alphaPath = files.Add("alpha", Png(8, 6, QImage::Format_ARGB32));
-    CQSString alphaBytes = Bytes(files.Content("alpha")), anyFormat = Bytes("image/bmp");
-    CQWString placeholder{QStringLiteral("NoPic.BMP")};
+    CQWString Add(const char* name, const QByteArray& content) const
+    {
+        files.Put(name, content);
+        return files.Absolute(name);
+    }
+
+    TempDir files;
+    CQWString dir = files.Absolute("./"), alphaName = Wide(L"alpha"), none;
+    CQWString opaquePath = Add("opaque", Png(8, 6));
+    CQWString alphaPath = Add("alpha", Png(8, 6, QImage::Format_ARGB32));
+    CQSString alphaBytes = Make<CQSString>(files.Get("alpha"));
+    CQSString anyFormat = Make<CQSString>("image/bmp");
+    CQWString placeholder = Wide(L"NoPic.BMP");
     Notifications m_notifications;
     std::function<void()> onDecoded = [] {};
     std::unique_ptr<CQImageDecode> plain{CQImageDecode::NewL(enFormat_RGB16, this)};
@@ -66,15 +77,14 @@ struct Decoders : testing::Test, CImgDecodeNotify {
 
 TEST_F(Decoders, EachPlainOperationFillsItsSlotsAndNotifiesOnce)
 {
-    EXPECT_EQ(1, plain->DecodeImgFileL(&alphaPath, 1));
-    EXPECT_EQ(Formats(enFormat_RGB16, -1), TakeFormats());
-    EXPECT_EQ(1, plain->DecodeImgFileL(&dir, &alphaName, 2));
-    EXPECT_EQ(Formats(enFormat_ARGB32, -1), TakeFormats());
-    EXPECT_EQ(1, plain->DecodePngFileL(&dir, &alphaName, 3));
-    EXPECT_EQ(Formats(enFormat_ARGB32, enFormat_Indexed8), TakeFormats());
+    EXPECT_EQ(Formats(enFormat_RGB16, -1), TakeFormats(plain->DecodeImgFileL(&alphaPath, 1)));
+    EXPECT_EQ(Formats(enFormat_ARGB32, -1),
+              TakeFormats(plain->DecodeImgFileL(&dir, &alphaName, 2)));
+    EXPECT_EQ(Formats(enFormat_ARGB32, enFormat_Indexed8),
+              TakeFormats(plain->DecodePngFileL(&dir, &alphaName, 3)));
     EXPECT_TRUE(plain->GetFileName() == alphaName);
-    EXPECT_EQ(1, plain->DecodeImgBufL(alphaBytes, anyFormat, 4));
-    EXPECT_EQ(Formats(enFormat_ARGB32, -1), TakeFormats());
+    EXPECT_EQ(Formats(enFormat_ARGB32, -1),
+              TakeFormats(plain->DecodeImgBufL(alphaBytes, anyFormat, 4)));
     EXPECT_EQ(nullptr, plain->GetImage());
     EXPECT_EQ(1, plain->DecodePngFileL(&alphaPath, 5));
     EXPECT_EQ(1, plain->DecodePngBufL(alphaBytes, 6)); // leaves the image as it was
@@ -102,45 +112,41 @@ TEST_F(Decoders, RefusalsKeepTheImagesAndSayNothing)
     EXPECT_EQ(0, plain->DecodePngBufL(nothing, 2) | plain->DecodeImgBufL(nothing, anyFormat, 2) |
                      plain->DecodeImgBufL(alphaBytes, nothing, 2));
     EXPECT_EQ(0, plain->GetImageFromPng(nullptr, &image) | plain->GetImageFromPng(&image, nullptr));
-    EXPECT_TRUE(Take().empty());
-    EXPECT_TRUE(plain->GetFileName() == opaquePath);
+    EXPECT_TRUE(Take().empty() && plain->GetFileName() == opaquePath);
     EXPECT_EQ(Formats(enFormat_RGB16, enFormat_Indexed8), TakeFormats());
     // Only the whole path is the placeholder.
-    CQWString path = files.Add("NoPic.BMP", Png(1, 1));
+    CQWString path = Add("NoPic.BMP", Png(1, 1));
     EXPECT_EQ(1, plain->DecodeImgFileL(&path, 3) & plain->DecodePngFileL(&dir, &placeholder, 3));
 }
 
 TEST_F(Decoders, WhatDoesNotDecodeIsANullImageAndIsAnnounced)
 {
-    CQWString bad(QStringLiteral("bad"));
+    CQWString bad = Wide(L"bad"), missing = Wide(L"missing");
     EXPECT_TRUE(CQFileNameUtil::IsImageFile(alphaPath)); // by content: it has no extension
-    for (const auto& content : {QByteArray("no picture"), HugeBitmap()}) {
-        EXPECT_FALSE(CQFileNameUtil::IsImageFile(files.Add("x.png", content)));
-        CQWString path = files.Add("bad", content);
-        CQSString data = Bytes(content);
-        EXPECT_EQ(1, plain->DecodePngFileL(&dir, &bad, 1));
-        EXPECT_EQ(Formats(0, 0), TakeFormats());
-        EXPECT_EQ(1, plain->DecodeImgFileL(&dir, &bad, 2) & plain->DecodePngBufL(data, 3));
-        EXPECT_EQ(Formats(0, 0), TakeFormats());
+    for (const auto& content : {QByteArray("no picture"), HugeBitmap}) {
+        EXPECT_FALSE(CQFileNameUtil::IsImageFile(Add("x.png", content)));
+        CQWString path = Add("bad", content);
+        CQSString data = Make<CQSString>(content.toStdString());
+        EXPECT_EQ(Formats(0, 0), TakeFormats(plain->DecodePngFileL(&dir, &bad, 1)));
+        EXPECT_EQ(Formats(0, 0), TakeFormats(plain->DecodeImgFileL(&dir, &bad, 2) &
+                                             plain->DecodePngBufL(data, 3)));
         EXPECT_EQ(1, fitting->DecodeImgFile(&path, 4, true));
         EXPECT_TRUE(ImagePtr(fitting->GetImage())->isNull());
         EXPECT_EQ((Notifications{{1, 1, 0}, {1, 2, 0}, {1, 2, 0}, {1, 4, 0}}), Take());
     }
     // A file that cannot be opened: only the two-name form of the plain decode asserts.
     AssertRecorder assertions;
-    CQWString missing(QStringLiteral("missing"));
     EXPECT_EQ(1, plain->DecodePngFileL(&dir, &missing, 6) & plain->DecodeImgFileL(&missing, 5));
-    EXPECT_TRUE(assertions.Reports().empty());
+    EXPECT_EQ(AssertReports(), assertions.Take());
     EXPECT_EQ(1, plain->DecodeImgFileL(&dir, &missing, 7));
-    ASSERT_EQ(1U, assertions.Reports().size());
-    EXPECT_TRUE(assertions.Take().at(0).Is("0", "src/PrivateImageDecode_win32", 164));
+    EXPECT_EQ((AssertReports{{"0", "src/PrivateImageDecode_win32", 164}}), assertions.Take());
     EXPECT_EQ((Notifications{{1, 6, 0}, {1, 5, 0}, {1, 7, 0}}), Take());
     EXPECT_EQ(Formats(0, 0), TakeFormats());
     const int count = QImage::NImageFormats;
     for (const int mode : {-1, 0, 1, count - 1, count, INT_MAX}) {
         plain.reset(CQImageDecode::NewL(mode, nullptr));
-        EXPECT_EQ(1, plain->DecodeImgFileL(&alphaPath, 1));
-        EXPECT_EQ(Formats(mode > 0 && mode < count ? mode : 0, -1), TakeFormats());
+        EXPECT_EQ(Formats(mode > 0 && mode < count ? mode : 0, -1),
+                  TakeFormats(plain->DecodeImgFileL(&alphaPath, 1)));
     }
 }
 
@@ -168,7 +174,7 @@ TEST_F(Decoders, TheirOwnFileNameMayBeAnArgumentAndTheNotifierMayDoAnything)
 // Masked by its name without alpha, by its alpha, and by its name without content.
 TEST_F(Decoders, AMaskedFileLeavesOnlyItsMaskAndIsNotAnnouncedWhereAPlainOneIsNeverConverted)
 {
-    CQWString missing = files.Path("missing.PNG"), named = files.Add("m.Png", Png(8, 6));
+    CQWString missing = files.Absolute("missing.PNG"), named = Add("m.Png", Png(8, 6));
     for (CQWString* path : {&named, &alphaPath, &missing}) {
         EXPECT_EQ(1, fitting->DecodeImgFile(&opaquePath, 5, false)); // replaced unseen: no leak
         EXPECT_EQ(1, fitting->DecodeImgFileSpecDispMode(opaquePath, 6, false));
@@ -220,7 +226,7 @@ TEST_F(Decoders, TheDirectFormOfAMaskedDecodeLeavesTheDecoderBusy)
     for (CQWString* path : {&opaquePath, &fitting->GetFileName()}) {
         path->Replace(L"/", L"\\");
         EXPECT_EQ(1, fitting->DecodeImgFile(path, 5, false));
-        EXPECT_TRUE(*path == files.Path("opaque"));
+        EXPECT_TRUE(*path == CQWString(files.Absolute("opaque")));
     }
     EXPECT_EQ(1, fitting->DecodeImgFileL(&opaquePath, 6, false));
     EXPECT_EQ((Notifications{{1, 5, 0}, {1, 5, 0}, {1, 6, 0}}), Take());
@@ -230,23 +236,21 @@ TEST_F(Decoders, TheDirectFormOfAMaskedDecodeLeavesTheDecoderBusy)
 // Computed with Python's floats, which are IEEE doubles, from the rules alone.
 TEST_F(Decoders, FittingSizes)
 {
-    const QSize cases[][3] = {
-        // Image, screen, fit. Only the width says whether an image fits.
-        {{960, 800}, {480, 800}, {480, 400}},
-        {{960, 3200}, {480, 800}, {240, 800}},
-        {{960, 1600}, {480, 800}, {480, 800}},
-        {{400, 1000}, {480, 800}, {400, 1000}},
-        {{200, 100}, {176, 1000}, {176, 87}}, // 100 / (200.0 / 176) is a little below 88
-        // Ratios below 1 multiply: a screen that was never set, or is negative.
-        {{640, 480}, {-1, -1}, {-307200, -1}},
-        {{640, 480}, {-3, 1000}, {307, 1000}},
-        // No division by zero, no overflow; a side below 1 is refused.
-        {{640, 480}, {0, 0}, {0, 0}},
-        {{640, 480}, {0, 100}, {0, 0}},
-        {{100000, 30000}, {-1, -1}, {INT_MIN, -1}},
-        {{INT_MAX, INT_MAX - 1}, {INT_MAX - 1, INT_MAX}, {INT_MAX - 1, INT_MAX - 2}},
-        {{0, 10}, {480, 800}, {-7, -7}},
-        {{10, 0}, {480, 800}, {-7, -7}}};
+    // Only the width says whether an image fits. Ratios below 1 multiply: a screen that was never
+    // set, or is negative. No division by zero, no overflow; a side below 1 is refused.
+    const QSize huge(INT_MAX, INT_MAX - 1);
+    const QSize cases[][3] = {{{960, 800}, {480, 800}, {480, 400}},
+                              {{960, 3200}, {480, 800}, {240, 800}},
+                              {{960, 1600}, {480, 800}, {480, 800}},
+                              {{400, 1000}, {480, 800}, {400, 1000}},
+                              {{200, 100}, {176, 1000}, {176, 87}},
+                              {{640, 480}, {-1, -1}, {-307200, -1}},
+                              {{640, 480}, {-3, 1000}, {307, 1000}},
+                              {{640, 480}, {0, 100}, {0, 0}},
+                              {{0, 10}, {480, 800}, {-7, -7}},
+                              {{10, 0}, {480, 800}, {-7, -7}},
+                              {{100000, 30000}, {-1, -1}, {INT_MIN, -1}},
+                              {huge, huge.transposed(), {INT_MAX - 1, INT_MAX - 2}}};
     for (const auto& [image, screen, expected] : cases) {
         QSize fit(-7, -7);
         fitting->SetScreenSize(screen);
@@ -262,8 +266,7 @@ TEST(ImageTypes, TheClientsTypesAreListedInOrderAndThePlatformHasNone)
     CQFileNameUtil::OrvoImageMIMETypesL(types);
     EXPECT_EQ("image/bmp image/gif image/jp2 image/jpeg image/png", types.GetArray()->join(' '));
     CQFileNameUtil::ImageMIMETypesL(platformTypes);
-    ASSERT_NE(nullptr, platformTypes.GetArray());
-    EXPECT_TRUE(platformTypes.GetArray()->isEmpty());
+    EXPECT_TRUE(platformTypes.GetArray() && platformTypes.GetArray()->isEmpty());
 }
 
 TEST(ImageTypes, NamesAreSplitAtTheFirstDot)
@@ -275,7 +278,7 @@ TEST(ImageTypes, NamesAreSplitAtTheFirstDot)
         {L"dir\\a.gif", L"dir\\a", L"gif"},
         {L"/\U0001F600\U0001F601.jpg", L"\U0001F600\U0001F601", L"jpg"}};
     for (const auto& [path, name, extension] : cases) {
-        CQWString text(QString::fromWCharArray(path)), part(QStringLiteral("before"));
+        CQWString text = Wide(path), part = Wide(L"before");
         CQFileNameUtil::FindShortName(text, part);
         EXPECT_EQ(0, part.Compare(name));
         EXPECT_EQ(CQWString::SafeStrlen(name), part.GetLength());

@@ -2,80 +2,30 @@
 // every class that has any, and the slot order of its virtual operations. It must come out the
 // same from every compiler and, but for the size of pointers, on 32- and 64-bit machines.
 
-#include <CCrypt.h>
-#include <CImgDecodeNotify.h>
-#include <CLimitedCounter.h>
-#include <COStream.h>
-#include <CQActive.h>
-#include <CQActiveScheduler.h>
-#include <CQBImageDecode.h>
-#include <CQBTreeUtil.h>
-#include <CQFile.h>
-#include <CQImageDecode.h>
-#include <CQInstance.h>
-#include <CQList.h>
-#include <CQSString.h>
-#include <CQSchedulerEvent.h>
-#include <CQSchedulerInstance.h>
-#include <CQTimer.h>
-#include <CQTimerObserver.h>
-#include <CQWString.h>
-#include <CQZipFile.h>
-#include <CTimeOutTimer.h>
-#include <DataInputStream.h>
-#include <DataOutputStream.h>
-#include <FileInputStream.h>
-#include <FileOutputStream.h>
-#include <ISerializable.h>
-#include <MLDataBuf.h>
-#include <MTimeOutNotifier.h>
-#include <PrivateBImageDecode.h>
-#include <PrivateImageDecode_win32.h>
-#include <TImageMIMETypes.h>
-#include <TRTTIBase.h>
+#include "TestPrelude.h"
+
+#include <EveryHeader.h>
 
 #include <QImage>
 #include <QImageReader>
 
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <cstring>
-#include <string>
-#include <vector>
-
 namespace
 {
-
-// A pointer to a data member is, in the ABI of all our machines, the member's offset.
-template <class Class, class Type>
-std::size_t OffsetOf(Type Class::*member)
-{
-    std::ptrdiff_t offset;
-    static_assert(sizeof member == sizeof offset);
-    std::memcpy(&offset, &member, sizeof offset);
-    return static_cast<std::size_t>(offset);
-}
 
 struct Field {
     std::size_t offset, size, alignment;
 };
 
+// A pointer to a data member is, in the ABI of all our machines, the member's offset.
 template <class Class, class Type>
 Field Describe(Type Class::*member)
 {
-    return {OffsetOf(member), sizeof(Type), alignof(Type)};
+    return {std::bit_cast<std::size_t>(member), sizeof(Type), alignof(Type)};
 }
 
 constexpr std::size_t Align(std::size_t offset, std::size_t alignment)
 {
     return (offset + alignment - 1) / alignment * alignment;
-}
-
-template <class Class>
-std::string NameOf()
-{
-    return __PRETTY_FUNCTION__; // typeid would want the tables of classes that are not exported
 }
 
 std::vector<std::string> misplaced;
@@ -93,27 +43,25 @@ struct Layout;
 // explicit instantiation may name private members.
 template <class Class, std::size_t start, std::size_t... sizes, auto... Members>
 struct Layout<Class, Sizes<start, sizes...>, Members...> {
-    static const bool checked;
+    inline static const bool checked = [] {
+        const std::vector<std::size_t> wanted = {sizes...};
+        const std::vector<Field> fields = {Describe(Members)...};
+        std::size_t end = start;
+        bool right = wanted.size() == fields.size();
+        for (std::size_t i = 0; right && i < fields.size(); ++i) {
+            right =
+                fields[i].size == wanted[i] && fields[i].offset == Align(end, fields[i].alignment);
+            end = fields[i].offset + fields[i].size;
+        }
+        if (!right || sizeof(Class) != Align(end, alignof(Class))) {
+            misplaced.push_back(__PRETTY_FUNCTION__); // names the class
+        }
+        ++classesChecked;
+        return right;
+    }();
 };
-template <class Class, std::size_t start, std::size_t... sizes, auto... Members>
-const bool Layout<Class, Sizes<start, sizes...>, Members...>::checked = [] {
-    const std::vector<std::size_t> wanted = {sizes...};
-    const std::vector<Field> fields = {Describe(Members)...};
-    std::size_t end = start;
-    bool right = wanted.size() == fields.size();
-    for (std::size_t i = 0; right && i < fields.size(); ++i) {
-        right = fields[i].size == wanted[i] && fields[i].offset == Align(end, fields[i].alignment);
-        end = fields[i].offset + fields[i].size;
-    }
-    if (!right || sizeof(Class) != Align(end, alignof(Class))) {
-        misplaced.push_back(NameOf<Class>());
-    }
-    ++classesChecked;
-    return right;
-}();
 
 using namespace OrvoStream;
-
 constexpr std::size_t P = sizeof(void*);
 
 template struct Layout<CQSString, Sizes<P, P, 4>, &CQSString::m_pData, &CQSString::m_nLen>;
@@ -186,9 +134,7 @@ static_assert(sizeof(TRTTIBase) == P);
 template <class Function>
 std::ptrdiff_t SlotOf(Function function)
 {
-    std::ptrdiff_t words[2];
-    static_assert(sizeof function == sizeof words);
-    std::memcpy(words, &function, sizeof words);
+    const auto words = std::bit_cast<std::array<std::ptrdiff_t, 2>>(function);
 #ifdef __arm__
     const bool isVirtual = (words[1] & 1) != 0;
     const std::ptrdiff_t offset = words[0];
@@ -199,11 +145,19 @@ std::ptrdiff_t SlotOf(Function function)
     return isVirtual ? offset / static_cast<std::ptrdiff_t>(P) : -1;
 }
 
-// The slot of an overload or a protected operation, reached through its signature.
-template <class Class, class Result, class... Arguments>
-std::ptrdiff_t SlotOfOverload(Result (Class::*function)(Arguments...))
+using Slots = std::vector<std::ptrdiff_t>;
+
+template <class... Functions>
+Slots SlotsOf(Functions... functions)
 {
-    return SlotOf(function);
+    return {SlotOf(functions)...};
+}
+
+// The overload with these parameters.
+template <class... Parameters, class Class>
+auto Overload(int (Class::*function)(Parameters...))
+{
+    return function;
 }
 
 } // namespace
@@ -217,58 +171,33 @@ TEST(Layout, FieldsStandInOrderAndSizeAndNothingElseDoes)
 // A virtual destructor takes two slots.
 TEST(Layout, VirtualOperationsStandInSlotOrder)
 {
-    EXPECT_EQ(2, SlotOf(&COStream::Write));
-    EXPECT_EQ(3, SlotOf(&COStream::Flush));
-    EXPECT_EQ(4, SlotOf(&COStream::Close));
-    EXPECT_EQ(5, SlotOf(&COStream::SaveBuffer));
-    EXPECT_EQ(6, SlotOf(&COStream::PrepareBuffer));
-
-    EXPECT_EQ(2, SlotOf(&CIStream::Read));
-    EXPECT_EQ(3, SlotOf(&CIStream::Available));
-    EXPECT_EQ(4, SlotOf(&CIStream::Close));
-    EXPECT_EQ(5, SlotOf(&CIStream::LoadBuffer));
-    EXPECT_EQ(-1, SlotOf(&CIStream::PrepareBuffer));
-
-    EXPECT_EQ(6, SlotOf(&DataInputStream::ReadInt));
-    EXPECT_EQ(7, SlotOf(&DataInputStream::ReadShort));
-    EXPECT_EQ(8, SlotOf(&DataInputStream::ReadChar));
-    EXPECT_EQ(9, SlotOf(&DataInputStream::ReadBytes));
-
-    EXPECT_EQ(7, (SlotOfOverload<DataOutputStream, int, int>(&DataOutputStream::Write)));
-    EXPECT_EQ(8, (SlotOfOverload<DataOutputStream, int, short>(&DataOutputStream::Write)));
-    EXPECT_EQ(9, (SlotOfOverload<DataOutputStream, int, char>(&DataOutputStream::Write)));
-    EXPECT_EQ(10,
-              (SlotOfOverload<DataOutputStream, int, const CQSString&>(&DataOutputStream::Write)));
-
-    EXPECT_EQ(2, (SlotOfOverload<CQFile, int, const wchar_t*, unsigned>(&CQFile::Open)));
-    EXPECT_EQ(3, (SlotOfOverload<CQFile, int, CQSString&, unsigned>(&CQFile::Open)));
-    EXPECT_EQ(4, SlotOf(&CQFile::OpenWithWriteCache));
-    EXPECT_EQ(5, SlotOf(&CQFile::Close));
-    EXPECT_EQ(6, SlotOf(&CQFile::Read));
-    EXPECT_EQ(7, SlotOf(&CQFile::Write));
-    EXPECT_EQ(8, SlotOf(&CQFile::Seek));
-    EXPECT_EQ(9, SlotOf(&CQFile::GetLength));
-    EXPECT_EQ(10, SlotOf(&CQFile::GetModifiedTime));
-    EXPECT_EQ(11, SlotOf(&CQFile::SetSize));
-    EXPECT_EQ(-1, (SlotOfOverload<CQFile, int, QString&, unsigned>(&CQFile::Open)));
-    EXPECT_EQ(-1, SlotOf(&CQFile::WriteData));
-    EXPECT_EQ(-1, SlotOf(&CQFile::SeekToBegin));
-    EXPECT_EQ(-1, SlotOf(&CQFile::SeekToEnd));
-
-    using Buffer = unsigned char**;
-    EXPECT_EQ(2, SlotOf(&CQZipFile::Close));
-    EXPECT_EQ(3, (SlotOfOverload<CQZipFile, int, Buffer, int*, const wchar_t*>(&CQZipFile::Read)));
-    EXPECT_EQ(4, SlotOf(&CQZipFile::Write));
-    EXPECT_EQ(-1, SlotOf(&CQZipFile::Open));
-
-    EXPECT_EQ(2, SlotOf(&CQActive::DoCancel));
-    EXPECT_EQ(3, SlotOf(&CQActive::RunL));
-    EXPECT_EQ(0, SlotOf(&TRTTIBase::IsDerived));
-    EXPECT_EQ(1, SlotOf(&TRTTIBase::GetClassName));
-    EXPECT_EQ(2, SlotOf(&TRTTIBase::IsBaseClass));
-
-    EXPECT_EQ(0, SlotOf(&ISerializable::Serialize));
-    EXPECT_EQ(0, SlotOf(&CQTimerObserver::OnPeriodTask));
-    EXPECT_EQ(0, SlotOf(&MTimeOutNotifier::OnTimeOut));
-    EXPECT_EQ(0, SlotOf(&CImgDecodeNotify::OnImageDecoded));
+    EXPECT_EQ((Slots{2, 3, 4, 5, 6}), SlotsOf(&COStream::Write, &COStream::Flush, &COStream::Close,
+                                              &COStream::SaveBuffer, &COStream::PrepareBuffer));
+    EXPECT_EQ((Slots{2, 3, 4, 5, -1}),
+              SlotsOf(&CIStream::Read, &CIStream::Available, &CIStream::Close,
+                      &CIStream::LoadBuffer, &CIStream::PrepareBuffer));
+    using In = DataInputStream;
+    EXPECT_EQ((Slots{6, 7, 8, 9}),
+              SlotsOf(&In::ReadInt, &In::ReadShort, &In::ReadChar, &In::ReadBytes));
+    using Out = DataOutputStream;
+    EXPECT_EQ((Slots{7, 8, 9, 10}),
+              SlotsOf(Overload<int>(&Out::Write), Overload<short>(&Out::Write),
+                      Overload<char>(&Out::Write), Overload<const CQSString&>(&Out::Write)));
+    EXPECT_EQ((Slots{2, 3, 4, 5, 6, 7, 8, 9, 10, 11}),
+              SlotsOf(Overload<const wchar_t*, unsigned>(&CQFile::Open),
+                      Overload<CQSString&, unsigned>(&CQFile::Open), &CQFile::OpenWithWriteCache,
+                      &CQFile::Close, &CQFile::Read, &CQFile::Write, &CQFile::Seek,
+                      &CQFile::GetLength, &CQFile::GetModifiedTime, &CQFile::SetSize));
+    EXPECT_EQ(Slots(4, -1), SlotsOf(Overload<QString&, unsigned>(&CQFile::Open), &CQFile::WriteData,
+                                    &CQFile::SeekToBegin, &CQFile::SeekToEnd));
+    using Zip = CQZipFile;
+    EXPECT_EQ((Slots{2, 3, 4, -1}),
+              SlotsOf(&Zip::Close, Overload<unsigned char**, int*, const wchar_t*>(&Zip::Read),
+                      &Zip::Write, &Zip::Open));
+    EXPECT_EQ((Slots{2, 3}), SlotsOf(&CQActive::DoCancel, &CQActive::RunL));
+    EXPECT_EQ((Slots{0, 1, 2}),
+              SlotsOf(&TRTTIBase::IsDerived, &TRTTIBase::GetClassName, &TRTTIBase::IsBaseClass));
+    EXPECT_EQ(Slots(4, 0),
+              SlotsOf(&ISerializable::Serialize, &CQTimerObserver::OnPeriodTask,
+                      &MTimeOutNotifier::OnTimeOut, &CImgDecodeNotify::OnImageDecoded));
 }

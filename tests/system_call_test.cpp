@@ -1,4 +1,5 @@
 #include "AssertRecorder.h"
+#include "TestPrelude.h"
 
 #include <CQSString.h>
 #include <CQWString.h>
@@ -10,11 +11,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 
-#include <gtest/gtest.h>
-
-#include <string>
 #include <type_traits>
-#include <utility>
 
 #include <unistd.h>
 
@@ -74,8 +71,8 @@ TEST(SystemCall, ScreenAndInstallDiscNeedAnApplication)
             const QSize size = CSystemCall::GetScreenSizeInPixel();
             AssertRecorder recorder;
             const unsigned short disc = CSystemCall::GetInstallDisc();
-            const bool asserted = recorder.Reports().size() == 1 &&
-                                  recorder.Reports()[0].Is("nIndex < m_nDataLen", "src/CQWString");
+            const AssertReports reports(1, {"nIndex < m_nDataLen", "src/CQWString"});
+            const bool asserted = recorder.Take() == reports;
             _exit(size == QSize(0, 0) && disc == 0 && asserted ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
@@ -101,13 +98,10 @@ TEST(SystemCall, FixedResults)
     using S = CSystemCall;
     CQWString text;
     QString size = "kept";
-    for (const int yes :
-         {S::OpenInfoWin(text, text), S::OpenQueryWin(text, text),
-          S::OpenQueryWin(text, text, text, text), S::OpenQueryWinEx(text, 0, text, text),
-          S::LaunchSysApp(0, nullptr), S::OpenFileByPhone(0, nullptr),
-          S::MoveToSysDir(0, &text, &text, text), S::OpenMemorySelDialog(0, text)}) {
-        EXPECT_EQ(1, yes);
-    }
+    ExpectAll(1, {S::OpenInfoWin(text, text), S::OpenQueryWin(text, text),
+                  S::OpenQueryWin(text, text, text, text), S::OpenQueryWinEx(text, 0, text, text),
+                  S::LaunchSysApp(0, nullptr), S::OpenFileByPhone(0, nullptr),
+                  S::MoveToSysDir(0, &text, &text, text), S::OpenMemorySelDialog(0, text)});
     EXPECT_TRUE(S::IsClipBoardEmpty() && S::IsInTimespace(2, 1));
     EXPECT_FALSE(S::ProcessIsExist(text) || S::IsQwertyKeyboardSupported());
     EXPECT_EQ(0, S::OpenResource(text) | S::LaunchAppByMIME(CQSString(), text) |

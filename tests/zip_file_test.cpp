@@ -1,8 +1,7 @@
 #include "TempDir.h"
+#include "TestPrelude.h"
 
 #include <CQZipFile.h>
-
-#include <gtest/gtest.h>
 
 #include <QtEndian>
 
@@ -92,8 +91,7 @@ TEST(ZipFile, MissingFilesAreCreatedAndRefusalsChangeNothing)
     EXPECT_FALSE(zip.Read(&none, &length, L"new") || zip.Write(&none, &length, L"new") ||
                  zip.Write(&bytes, &negative, L"new"));
     EXPECT_TRUE(block == "unset" && length == 1 && dir.All().empty());
-    EXPECT_EQ(1, zip.Read(&bytes, &length, L"a\\b")); // the path is taken as it stands
-    EXPECT_EQ(0, length);
+    EXPECT_TRUE(zip.Read(&bytes, &length, L"a\\b") == 1 && length == 0); // as the path stands
     EXPECT_EQ("a\\b= ", dir.All());
 }
 
