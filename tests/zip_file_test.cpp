@@ -21,6 +21,9 @@ std::string Load(int boundedResult = 1)
     EXPECT_EQ(1, CQZipFile().Read(&bytes, &length, L"block"));
     EXPECT_EQ(bounded.size(), length);
     EXPECT_EQ(bounded + '#', buffer);
+    unsigned char* noBuffer = nullptr;
+    EXPECT_EQ(1, CQZipFile().Read(&noBuffer, &length, L"block"));
+    EXPECT_EQ(bounded.size(), length);
     return bounded.toStdString();
 }
 
@@ -88,7 +91,7 @@ TEST(ZipFile, MissingFilesAreCreatedAndRefusalsChangeNothing)
         EXPECT_FALSE(zip.Read(block, path) || zip.Read(&bytes, &length, path) ||
                      zip.Write(&bytes, &length, path));
     }
-    EXPECT_FALSE(zip.Read(&none, &length, L"new") || zip.Write(&none, &length, L"new") ||
+    EXPECT_FALSE(zip.Read(nullptr, &length, L"new") || zip.Write(&none, &length, L"new") ||
                  zip.Write(&bytes, &negative, L"new"));
     EXPECT_TRUE(block == "unset" && length == 1 && dir.All().empty());
     EXPECT_TRUE(zip.Read(&bytes, &length, L"a\\b") == 1 && length == 0); // as the path stands
