@@ -203,8 +203,8 @@ TEST(FileSystem, PathsAreTakenApart)
 {
     EXPECT_TRUE(F::IsLocalPath("c:/x") && F::IsLocalPath("Z:/") && F::IsLocalPath("C:/") &&
                 F::IsLocalPath("z:/"));
-    for (const char* path :
-         {"b:/", "B:/", "c:\\x", "c:", "", "[:/", "{:/", static_cast<const char*>(nullptr)}) {
+    for (const char* path : {"b:/", "B:/", "c:\\x", "c:", "cc/", "", "[:/", "{:/",
+                             static_cast<const char*>(nullptr)}) {
         EXPECT_EQ(0, F::IsLocalPath(path));
     }
     CQWString name = QString("old"), none;
