@@ -24,16 +24,6 @@ bool IsImageType(const QString& mimeType)
     return mimeType.startsWith(QLatin1String("image/"));
 }
 
-// Goes by units, where CQWString(const QString&) would count a character above U+FFFF twice.
-void SetText(CQWString& target, const QString& text)
-{
-    if (text.isEmpty()) {
-        target.Empty();
-    } else {
-        target.SetData(text.toStdWString().c_str());
-    }
-}
-
 } // namespace
 
 void CQFileNameUtil::OrvoImageMIMETypesL(TImageMIMETypes& types)
@@ -66,10 +56,12 @@ bool CQFileNameUtil::IsImageFile(CQWString const& path)
 
 void CQFileNameUtil::FindShortName(CQWString const& path, CQWString& name)
 {
-    SetText(name, QFileInfo(PathText::FromWide(path.GetDataPtr())).baseName());
+    PathText::Store(name,
+                    QFileInfo(PathText::FromWide(path.GetDataPtr())).baseName().toStdWString());
 }
 
 void CQFileNameUtil::FindFileExtName(CQWString const& path, CQWString& ext)
 {
-    SetText(ext, QFileInfo(PathText::FromWide(path.GetDataPtr())).completeSuffix());
+    PathText::Store(
+        ext, QFileInfo(PathText::FromWide(path.GetDataPtr())).completeSuffix().toStdWString());
 }

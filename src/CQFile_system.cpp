@@ -70,16 +70,6 @@ std::wstring SlashedText(const CQWString& path)
     return text;
 }
 
-/// Unlike the setters of the string, takes an empty text too.
-void SetText(CQWString& out, std::wstring_view text)
-{
-    if (text.empty()) {
-        out.Empty();
-    } else {
-        out.SetData(text.data(), static_cast<int>(text.size()));
-    }
-}
-
 } // namespace
 
 int CQFile::IsFileExist(const wchar_t* path)
@@ -125,7 +115,7 @@ int CQFile::GetFileName(const CQWString* path, CQWString& name)
     const std::wstring text = SlashedText(*path);
     // No slash is npos, and npos + 1 the start of the text.
     const auto fileName = std::wstring_view(text).substr(text.rfind(L'/') + 1);
-    SetText(name, fileName);
+    PathText::Store(name, fileName);
     return !fileName.empty();
 }
 
@@ -141,7 +131,7 @@ int CQFile::GetFileNameWithoutExtension(const CQWString* path, CQWString& name)
         name.Empty();
         return 0;
     }
-    SetText(name, std::wstring_view(text).substr(start, dot - start));
+    PathText::Store(name, std::wstring_view(text).substr(start, dot - start));
     return 1;
 }
 
@@ -250,7 +240,7 @@ int CQFile::GetDirFileList(CQWString& dir, CQWString& ext, bool withDirs, CQWStr
     const auto count = static_cast<int>(names.size());
     auto texts = std::make_unique<CQWString[]>(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
-        SetText(texts[static_cast<std::size_t>(i)], names[i].toStdWString());
+        PathText::Store(texts[static_cast<std::size_t>(i)], names[i].toStdWString());
     }
     *list = texts.release();
     return count;

@@ -1,6 +1,7 @@
 #include "CSystemCall.h"
 
 #include "CQWString.h"
+#include "PathText.h"
 #include "SystemTime.h"
 
 #include <QCoreApplication>
@@ -10,11 +11,6 @@
 
 namespace
 {
-
-QString ToQString(const CQWString& text)
-{
-    return QString::fromWCharArray(text.GetDataPtr(), text.GetLength());
-}
 
 /// Starts a process that does not outlive the call. It is ended here as QProcess's destructor
 /// would end it, but without the warning that it prints.
@@ -94,7 +90,9 @@ int CSystemCall::OpenResource(CQWString const&)
 
 int CSystemCall::LaunchAppByName(CQWString const& name, CQWString const& dir)
 {
-    StartAndEnd(ToQString(dir) + QLatin1Char('/') + ToQString(name), {});
+    StartAndEnd(PathText::FromWide(dir.GetDataPtr()) + QLatin1Char('/') +
+                    PathText::FromWide(name.GetDataPtr()),
+                {});
     return 1;
 }
 
@@ -103,7 +101,7 @@ int CSystemCall::LaunchSysApp(CQWString* command)
     if (command == nullptr) {
         return 1;
     }
-    QStringList arguments = QProcess::splitCommand(ToQString(*command));
+    QStringList arguments = QProcess::splitCommand(PathText::FromWide(command->GetDataPtr()));
     if (!arguments.isEmpty()) {
         const QString program = arguments.takeFirst();
         StartAndEnd(program, arguments);

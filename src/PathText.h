@@ -1,8 +1,12 @@
 #pragma once
 
+#include "CQWString.h"
+
 #include <QString>
 
-/// Paths on their way from the client's texts to Qt.
+#include <string_view>
+
+/// Paths on their way from the client's texts to Qt, and names on their way back.
 namespace PathText
 {
 
@@ -38,6 +42,17 @@ inline QString FromWide(const wchar_t* text)
 inline QString SlashedFromWide(const wchar_t* path)
 {
     return Slashed(FromWide(path));
+}
+
+/// Sets \a out to \a text, also to an empty one, which the setters of the string ignore. Goes by
+/// units, where CQWString(const QString&) would count a character above U+FFFF twice.
+inline void Store(CQWString& out, std::wstring_view text)
+{
+    if (text.empty()) {
+        out.Empty();
+    } else {
+        out.SetData(text.data(), static_cast<int>(text.size()));
+    }
 }
 
 } // namespace PathText
