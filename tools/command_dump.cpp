@@ -1,0 +1,327 @@
+// dump: a data stream as a table, item by item.
+
+#include "Command.h"
+#include "InputOutput.h"
+#include "ItemList.h"
+
+#include <DataInputStream.h>
+
+#include <QCommandLineParser>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace
+{
+
+/// An input of any length for a data stream: every read goes straight to the file.
+class InputStream : public OrvoStream::CIStream
+{
+public:
+    explicit InputStream(const QString& name) : m_input(name) {}
+
+    int Read(char* dest, int len) override
+    {
+        if (!Prepare(len)) {
+            return 0;
+        }
+        std::memcpy(dest, m_buffer.constData() + m_used, static_cast<std::size_t>(len));
+        m_used += len;
+        m_offset += len;
+        return len;
+    }
+
+    int Available() override { return Prepare(1) ? 1 : 0; }
+    void Close() override {}
+    qint64 GetOffset() const { return m_offset; }
+    const QString& GetName() const { return m_input.GetName(); }
+
+    /// How much is left within `most` bytes.
+    int GetLeft(int most)
+    {
+        Prepare(most);
+        return std::min(most, int(m_buffer.size()) - m_used);
+    }
+
+private:
+    bool Prepare(int len)
+    {
+        while (m_buffer.size() - m_used < len) {
+            const QByteArray bytes = m_input.Read(1 << 16);
+            if (bytes.isEmpty()) {
+                return false;
+            }
+            m_buffer.remove(0, m_used);
+            m_used = 0;
+            m_buffer += bytes;
+        }
+        return true;
+    }
+
+    Input m_input;
+    QByteArray m_buffer;
+    int m_used = 0;
+    qint64 m_offset = 0;
+};
+
+struct Row {
+    qint64 offset;
+    const Item& item;
+    QByteArray bytes;
+    qint64 number; // of the kinds that are numbers
+};
+
+bool IsNumber(ItemKind kind)
+{
+    return kind != ItemKind::Bytes && kind != ItemKind::Text && kind != ItemKind::Repeat;
+}
+
+/// Control characters, and bytes that are no UTF-8, show as "\xNN" in a table.
+QString Printable(const QByteArray& bytes)
+{
+    QString text;
+    for (const QChar c : QString::fromUtf8(bytes)) {
+        const bool shows = (c.isPrint() || c.isSurrogate()) && c != QChar(0xFFFD);
+        text += shows ? QString(c) : QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QChar('0'));
+    }
+    return text;
+}
+
+QString HexOf(const QByteArray& bytes)
+{
+    constexpr int shown = 16;
+    const QString hex = QString::fromLatin1(bytes.left(shown).toHex(' '));
+    return bytes.size() > shown ? hex + QStringLiteral(" ...") : hex;
+}
+
+class Printer
+{
+public:
+    explicit Printer(bool json) : m_json(json)
+    {
+        std::fputs(m_json ? "[" : "offset    item        value\n", stdout);
+    }
+
+    void Print(const Row& row)
+    {
+        if (m_json) {
+            PrintJson(row);
+        } else {
+            PrintLine(row);
+        }
+        m_isFirst = false;
+    }
+
+    ~Printer()
+    {
+        if (m_json) {
+            std::fputs("\n]\n", stdout);
+        }
+    }
+
+private:
+    static void PrintLine(const Row& row)
+    {
+        const QString value = IsNumber(row.item.kind) ? QString::number(row.number)
+                              : row.item.kind == ItemKind::Text
+                                  ? QLatin1Char('"') + Printable(row.bytes) + QLatin1Char('"')
+                                  : QStringLiteral("%1 bytes").arg(row.bytes.size());
+        std::printf("%08llx  %-10s  %-12s  %s\n", static_cast<unsigned long long>(row.offset),
+                    qUtf8Printable(row.item.name), qUtf8Printable(value),
+                    qUtf8Printable(HexOf(row.bytes)));
+    }
+
+    void PrintJson(const Row& row) const
+    {
+        QJsonObject json{{QStringLiteral("offset"), row.offset},
+                         {QStringLiteral("item"), row.item.name},
+                         {QStringLiteral("hex"), QString::fromLatin1(row.bytes.toHex())}};
+        if (IsNumber(row.item.kind)) {
+            json.insert(QStringLiteral("value"), row.number);
+        } else if (row.item.kind == ItemKind::Text) {
+            json.insert(QStringLiteral("value"), QString::fromUtf8(row.bytes));
+        }
+        std::printf("%s\n%s", m_isFirst ? "" : ",",
+                    QJsonDocument(json).toJson(QJsonDocument::Compact).constData());
+    }
+
+    bool m_json;
+    bool m_isFirst = true;
+};
+
+class Dumper
+{
+public:
+    Dumper(InputStream& stream, Printer& printer)
+        : m_stream(stream), m_data(stream), m_printer(printer)
+    {
+    }
+
+    void Dump(const std::vector<Item>& items)
+    {
+        for (const Item& item : items) {
+            if (item.kind == ItemKind::Repeat) {
+                DumpRepeated(item);
+            } else {
+                DumpItem(item);
+            }
+        }
+    }
+
+private:
+    void DumpRepeated(const Item& item)
+    {
+        const qint64 count =
+            item.counter ? ReadOrRefuse(item, [&] { return ReadCount(item); }) : item.count;
+        for (qint64 i = 0; count < 0 ? m_stream.Available() == 1 : i < count; ++i) {
+            const qint64 start = m_stream.GetOffset();
+            Dump(item.items);
+            if (m_stream.GetOffset() == start) {
+                throw Failure(QStringLiteral("%1: %2 at offset %3 takes no bytes, so it has no end")
+                                  .arg(m_stream.GetName(), item.name)
+                                  .arg(start));
+            }
+        }
+    }
+
+    void DumpItem(const Item& item)
+    {
+        ReadOrRefuse(item, [&] {
+            qint64 start = m_stream.GetOffset();
+            qint64 number = 0;
+            if (IsNumber(item.kind)) {
+                number = ReadNumber(item.kind);
+            } else {
+                const qint64 length = item.counter ? ReadCount(item) : item.count;
+                start = m_stream.GetOffset();
+                ReadBytes(length);
+            }
+            Show({start, item, Take(), number});
+            return number;
+        });
+    }
+
+    /// A data stream throws an int where its bytes end too early.
+    template <class Reading>
+    qint64 ReadOrRefuse(const Item& item, Reading read)
+    {
+        try {
+            return read();
+        } catch (int) {
+            throw Failure(
+                QStringLiteral("%1: %2 does not fit at offset %3; %4 bytes are left there")
+                    .arg(m_stream.GetName(), item.name)
+                    .arg(m_stream.GetOffset())
+                    .arg(m_stream.GetLeft(1 << 30)));
+        }
+    }
+
+    /// The number in front of a text or a repetition, with a row of its own.
+    qint64 ReadCount(const Item& item)
+    {
+        static const Item names[] = {{ItemKind::Int, QStringLiteral("length"), {}, -1, {}},
+                                     {ItemKind::Int, QStringLiteral("count"), {}, -1, {}}};
+        const qint64 start = m_stream.GetOffset();
+        const qint64 count = ReadNumber(*item.counter);
+        Show({start, names[item.kind == ItemKind::Repeat ? 1 : 0], Take(), count});
+        if (count < 0) {
+            throw Failure(QStringLiteral("%1: %2 at offset %3 says %4, which is no count")
+                              .arg(m_stream.GetName(), item.name)
+                              .arg(start)
+                              .arg(count));
+        }
+        return count;
+    }
+
+    qint64 ReadNumber(ItemKind kind)
+    {
+        switch (kind) {
+        case ItemKind::Int:
+            return Keep(m_data.ReadInt());
+        case ItemKind::UInt:
+            return static_cast<quint32>(Keep(m_data.ReadInt()));
+        case ItemKind::Short:
+            return Keep(m_data.ReadShort());
+        case ItemKind::UShort:
+            return static_cast<quint16>(Keep(m_data.ReadShort()));
+        case ItemKind::Char:
+            return static_cast<signed char>(Keep(m_data.ReadChar()));
+        default:
+            return static_cast<unsigned char>(Keep(m_data.ReadChar()));
+        }
+    }
+
+    /// In pieces, so that a wrong length asks for no memory that the file does not fill.
+    void ReadBytes(qint64 length)
+    {
+        while (length > 0) {
+            int piece = static_cast<int>(std::min<qint64>(length, 1 << 16));
+            if (m_stream.GetLeft(piece) < piece) {
+                throw -1; // as a short read of a data stream does
+            }
+            const std::unique_ptr<char[]> bytes(m_data.ReadBytes(piece));
+            m_bytes.append(bytes.get(), piece);
+            length -= piece;
+        }
+    }
+
+    template <class Number>
+    Number Keep(Number number)
+    {
+        m_bytes.append(reinterpret_cast<const char*>(&number), int(sizeof number));
+        return number;
+    }
+
+    QByteArray Take() { return std::exchange(m_bytes, {}); }
+
+    void Show(const Row& row) { m_printer.Print(row); }
+
+    InputStream& m_stream;
+    OrvoStream::DataInputStream m_data;
+    Printer& m_printer;
+    QByteArray m_bytes; // of the item that is being read
+};
+
+void Declare(QCommandLineParser& parser)
+{
+    parser.addOption(
+        {QStringLiteral("items"),
+         QStringLiteral("What the stream holds, separated by commas: int, uint, short, "
+                        "ushort, char, byte, bytes:N, text:N; text:int has its length "
+                        "before it (or short, char); repeat(...) goes on to the end, "
+                        "repeat:N(...) and repeat:int(...) as often as that."),
+         QStringLiteral("LIST")});
+    DeclareJson(parser);
+}
+
+int Run(const QCommandLineParser& parser)
+{
+    if (!parser.isSet(QStringLiteral("items"))) {
+        throw UsageError(QStringLiteral("--items is missing"));
+    }
+    const std::vector<Item> items = ParseItems(parser.value(QStringLiteral("items")));
+    InputStream stream(InputName(parser));
+    Printer printer(parser.isSet(QStringLiteral("json")));
+    Dumper(stream, printer).Dump(items);
+    const qint64 end = stream.GetOffset();
+    if (stream.Available() == 1) {
+        throw Failure(QStringLiteral("%1: more bytes follow behind the last item, at offset %2")
+                          .arg(stream.GetName())
+                          .arg(end));
+    }
+    return 0;
+}
+
+} // namespace
+
+const Command commandDump = {
+    "dump",
+    "[FILE]",
+    "Print a data stream as a table of its items.",
+    "orvotool dump build/demo/10001/grouplist.info --items 'repeat:int(int,text:int)'",
+    Declare,
+    Run};
