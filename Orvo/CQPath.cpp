@@ -52,6 +52,8 @@ void FormatFileIn(CQSString& out, const char* dir, const char* file)
     CBaseUtil::FormatString(out, "%s\\%s", dir, file);
 }
 
+constexpr int enLongestStoredName = 256;
+
 /// Made at run time, so that the key does not stand in the program as it is.
 std::array<unsigned char, 16> FileNameKey()
 {
@@ -338,7 +340,7 @@ int CQPath::DecodeFileName(CQSString& name)
 {
     std::array<unsigned char, 16> key = FileNameKey();
     CCrypt cipher(key.data(), 0, 0);
-    std::array<unsigned char, 256> plain;
+    std::array<unsigned char, enLongestStoredName> plain;
     int plainLength = static_cast<int>(plain.size());
     if (!cipher.Decrypt(reinterpret_cast<const unsigned char*>(name.GetDataPtr()), name.GetLength(),
                         plain.data(), plainLength)) {
@@ -347,5 +349,20 @@ int CQPath::DecodeFileName(CQSString& name)
     // Setting no bytes would leave the old ones, so an empty name needs the explicit emptying.
     name.Empty();
     name.SetData(plain.data(), plainLength);
+    return 1;
+}
+
+int CQPath::EncodeFileName(CQSString& name)
+{
+    if (name.IsEmpty() || name.GetLength() > enLongestStoredName) {
+        return 0;
+    }
+    std::array<unsigned char, 16> key = FileNameKey();
+    const CCrypt cipher(key.data(), 0, 0);
+    std::array<unsigned char, enLongestStoredName + 24> envelope;
+    int length = 0;
+    cipher.Encrypt(reinterpret_cast<const unsigned char*>(name.GetDataPtr()), name.GetLength(),
+                   envelope.data(), length);
+    name.SetData(envelope.data(), length);
     return 1;
 }

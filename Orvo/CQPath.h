@@ -13,10 +13,12 @@ class CQWString;
 /// /opt/orvoapp/ (the application root), /opt/orvoapp/Browser/ or /tmp/orvoappdownload/. Paths
 /// of an account lie under a root or directory that the caller passes as UTF-8; null counts as
 /// an empty text. The texts are formatted by CBaseUtil::FormatString(), so backslashes in what
-/// the caller passes become slashes too. Arguments may lie in the string that is written.
+/// the caller passes become slashes too, and bytes that are not UTF-8 become U+FFFD: directories
+/// with such names cannot be used as roots. Arguments may lie in the string that is written.
 ///
-/// The members do not fail and hold no state. They may be called on any thread once the main
-/// thread has asked for the install disc, which Qt looks up and keeps at the first request.
+/// The members do not fail, but leave an empty string without memory, and hold no state. They may
+/// be called on any thread once the main thread has asked for the install disc, which Qt looks up
+/// and keeps at the first request.
 class ORVO_EXPORT CQPath
 {
 public:
@@ -152,4 +154,8 @@ public:
     /// program's own key, for names of up to 256 bytes.
     /// \return  1 when it was deciphered; 0 when not, with \a name unchanged.
     static int DecodeFileName(CQSString& name);
+    /// The counterpart, for tools that make stored names: puts a name of 1 to 256 bytes into an
+    /// envelope that DecodeFileName() opens. Each call gives other bytes.
+    /// \return  1; 0 for an empty or longer name, with \a name unchanged.
+    static int EncodeFileName(CQSString& name);
 };

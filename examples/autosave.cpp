@@ -21,6 +21,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QEvent>
 #include <QRandomGenerator>
 #include <QTimer>
 
@@ -113,42 +114,42 @@ private:
     bool m_dirty = false;
 };
 
-// Work for the scheduler's worker thread. When it is done, a call is queued to the main thread.
+// Work for the scheduler's worker thread.
 class Work : public CQActive
 {
 public:
-    Work(int nPriority, std::function<void()> run, std::function<void()> done)
-        : CQActive(nPriority), m_run(std::move(run)), m_done(std::move(done))
-    {
-    }
+    Work(int nPriority, std::function<void()> run) : CQActive(nPriority), m_run(std::move(run)) {}
 
     void DoCancel() override {}
-
-    void RunL(int) override
-    {
-        m_run();
-        QMetaObject::invokeMethod(QCoreApplication::instance(), m_done, Qt::QueuedConnection);
-    }
+    void RunL(int) override { m_run(); }
 
 private:
     std::function<void()> m_run;
-    std::function<void()> m_done;
 };
 
 // Edits, waits, saves; ends the event loop when time is up and all is saved.
-class AutoSaver : public MTimeOutNotifier
+class AutoSaver : public QObject, public MTimeOutNotifier
 {
 public:
     explicit AutoSaver(const CQSString& path)
         : m_path(path), m_timer(CTimeOutTimer::NewL(*this)),
           // Active objects stay with the scheduler for the life of the process.
-          m_journal(new Work(
-              4, [this] { Journal(); }, [this] { OnWorkDone(); })),
-          m_save(new Work(
-              1, [this] { Save(); }, [this] { OnWorkDone(); }))
+          m_journal(new Work(4, [this] { Journal(); })), m_save(new Work(1, [this] { Save(); }))
     {
-        CQActiveScheduler::instance()->Add(m_save);
-        CQActiveScheduler::instance()->Add(m_journal);
+        CQActiveScheduler* const scheduler = CQActiveScheduler::instance();
+        scheduler->installEventFilter(this);
+        scheduler->Add(m_save);
+        scheduler->Add(m_journal);
+    }
+
+    // The scheduler's own notice that an object has run: on the main thread, and when the ready
+    // flag is down, so that the next raise is not lost.
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::User) {
+            OnWorkDone();
+        }
+        return false;
     }
 
     void Start(int seconds)
@@ -213,10 +214,13 @@ private:
                                    std::to_string(m_account.TakeForJournal()) + " edits noted");
     }
 
+    // Beside the old file, which stays as it is until the new one is whole and on the disk.
     void Save()
     {
         const std::vector<Contact> contacts = m_account.TakeForSaving();
-        OrvoStream::FileOutputStream file{CQWString(m_path)};
+        CQSString newPath(m_path);
+        newPath.AppendData(".new");
+        OrvoStream::FileOutputStream file{CQWString(newPath)};
         DataOutputStream out(file);
         out << int(contacts.size());
         for (const Contact& contact : contacts) {
@@ -224,9 +228,12 @@ private:
         }
         out.Flush();
         out.Close();
+        CQFile written;
+        const bool isSaved = !out.HasFailed() && written.Open(newPath, 3) && written.Sync() &&
+                             std::rename(newPath.GetDataPtr(), m_path.GetDataPtr()) == 0;
         m_line.Print("worker", "  save (priority 1): " +
-                                   std::to_string(CQFile::GetFileLenght(CQWString(m_path))) +
-                                   " bytes");
+                                   (isSaved ? std::to_string(written.GetLength()) + " bytes"
+                                            : std::string("failed; the old file stays")));
     }
 
     void OnWorkDone()

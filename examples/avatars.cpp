@@ -11,12 +11,15 @@
 // Exit codes: 0 the archives were found equal; 1 something could not be written or differs; 2 the
 // arguments or the directory of pictures are wrong, and nothing was written.
 
+#include "support/SampleFailure.h"
+
 #include <BaseUtil.h>
 #include <CImgDecodeNotify.h>
 #include <CQBImageDecode.h>
 #include <CQFile.h>
 #include <CQImageDecode.h>
 #include <CQSString.h>
+#include <CQSaveFile.h>
 #include <CQWString.h>
 #include <CQZipFile.h>
 #include <Orvo/CQPath.h>
@@ -40,12 +43,6 @@ constexpr unsigned int accountNumber = 10003;
 constexpr QSize screenSize(480, 854);
 constexpr QSize thumbnailSize(184, 184);
 constexpr size_t maxPictures = 250; // a sheet of 50 rows takes 90 MB in memory
-
-// Ends the program with one line on stderr.
-struct Failure {
-    int exitCode;
-    std::string text;
-};
 
 struct Options {
     QString root;
@@ -189,18 +186,19 @@ std::vector<Picture> DecodeAll(const QString& path)
 {
     const QFileInfo info(path);
     if (!info.isDir() || !info.isReadable()) {
-        throw Failure{2, path.toStdString() + ": is not a directory that can be read"};
+        throw SampleFailure{2, path.toStdString() + ": is not a directory that can be read"};
     }
     const CQWString directory(path);
     const std::vector<CQWString> names = FindPictures(directory);
     if (names.empty() || names.size() > maxPictures) {
-        throw Failure{2, path.toStdString() + ": holds " + std::to_string(names.size()) +
-                             " pictures (bmp, gif, jpeg, jpg, png); a sheet takes 1 to " +
-                             std::to_string(maxPictures)};
+        throw SampleFailure{2, path.toStdString() + ": holds " + std::to_string(names.size()) +
+                                   " pictures (bmp, gif, jpeg, jpg, png); a sheet takes 1 to " +
+                                   std::to_string(maxPictures)};
     }
     const std::unique_ptr<CQBImageDecode> fitting(CQBImageDecode::NewL(enFormat_RGB32, nullptr));
     fitting->SetScreenSize(screenSize);
     std::vector<Picture> pictures;
+    pictures.reserve(names.size());
     for (const CQWString& name : names) {
         pictures.push_back(Decode(*fitting, directory, name, int(pictures.size()) + 1));
     }
@@ -230,22 +228,31 @@ void DrawLine(QPainter& painter, QPoint at, int width, int pixelSize, const char
                      painter.fontMetrics().elidedText(text, Qt::ElideMiddle, width));
 }
 
+// Too small to be seen beside the others at the same scale.
+bool IsSmall(const Picture& picture)
+{
+    return picture.size.width() < 64 && picture.size.height() < 64;
+}
+
 // The picture, and beside it a handset at an eighth of its size with the picture as it fits; what
 // is taller than the screen is cut at its edge.
 void DrawPicture(QPainter& painter, const QRect& box, const Picture& picture)
 {
     const QImage& image = picture.thumbnail;
-    const QSize limit = box.size().boundedTo(image.size() * 4);
-    QRect place({}, image.size().scaled(limit, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
+    QRect place({}, image.size().scaled(box.size(), Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
     place.moveCenter(box.center());
+    // Enlarged pixels stay pixels.
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, !IsSmall(picture));
     painter.drawImage(place, image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
 
     const QRect screen(box.topRight() + QPoint(10, 38), screenSize / 8);
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(52, 58, 70));
     painter.drawRoundedRect(screen.adjusted(-4, -9, 4, 9), 6, 6);
     painter.fillRect(screen, QColor(18, 20, 26));
-    place.setSize((picture.fitted / 8).expandedTo(QSize(1, 1)));
+    const int scale = IsSmall(picture) ? 2 : 8;
+    place.setSize((picture.fitted / scale).expandedTo(QSize(1, 1)));
     place.moveCenter(screen.center());
     place.moveTop(std::max(place.top(), screen.top()));
     painter.setClipRect(screen);
@@ -262,6 +269,19 @@ void DrawCrossedFrame(QPainter& painter, const QRect& box)
     painter.drawLine(box.topRight(), box.bottomLeft());
 }
 
+// What the card says below the picture, in plain words.
+QString Caption(const Picture& picture)
+{
+    if (picture.thumbnail.isNull()) {
+        return QStringLiteral("no picture, or only a piece of one");
+    }
+    if (IsSmall(picture)) {
+        return QStringLiteral("a small picture, enlarged here");
+    }
+    return picture.fitted == picture.size ? QStringLiteral("shown in its own size")
+                                          : QStringLiteral("reduced to fit the screen");
+}
+
 void DrawCard(QPainter& painter, QPoint corner, const Picture& picture)
 {
     painter.setPen(QColor(222, 225, 231));
@@ -275,14 +295,13 @@ void DrawCard(QPainter& painter, QPoint corner, const Picture& picture)
     if (picture.thumbnail.isNull()) {
         DrawCrossedFrame(painter, box);
         DrawLine(painter, text + QPoint(0, 26), width, 14, "#c84646",
-                 QStringLiteral("does not decode"));
+                 QStringLiteral("cannot be shown"));
     } else {
         DrawPicture(painter, box, picture);
         DrawLine(painter, text + QPoint(0, 26), width, 14, "#3c4452",
                  SizeText(picture.size) + QStringLiteral("  \u2192  ") + SizeText(picture.fitted));
     }
-    DrawLine(painter, text + QPoint(0, 48), width, 12, "#7a8290",
-             QStringLiteral("decoded for display: ") + picture.fittingOutcome);
+    DrawLine(painter, text + QPoint(0, 48), width, 12, "#7a8290", Caption(picture));
 }
 
 QImage DrawSheet(const std::vector<Picture>& pictures)
@@ -296,7 +315,7 @@ QImage DrawSheet(const std::vector<Picture>& pictures)
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     DrawLine(painter, {margin, 24}, sheet.width(), 26, "#20242c", QStringLiteral("Head pictures"));
     DrawLine(painter, {margin, 62}, sheet.width(), 15, "#5a6270",
-             QStringLiteral("%1 files; size as decoded \u2192 size fitted to a screen of %2")
+             QStringLiteral("%1 files; size of the picture \u2192 size on a screen of %2")
                  .arg(count)
                  .arg(SizeText(screenSize)));
     for (int i = 0; i < count; ++i) {
@@ -308,72 +327,50 @@ QImage DrawSheet(const std::vector<Picture>& pictures)
 
 // --- Storing -----------------------------------------------------------------------------
 
-// A file that is written beside its place and moved there when all files are known to be whole.
+// A file whose old content stays until all files are known to be whole.
 class StagedFile
 {
 public:
-    explicit StagedFile(const CQSString& path) : m_path(path), m_staged(path)
+    StagedFile(const CQSString& path, const QByteArray& bytes) : m_path(path)
     {
-        m_staged.AppendData(L".new");
-        CQFile::DeleteFile(m_staged);
-    }
-
-    StagedFile(const StagedFile&) = delete;
-    StagedFile& operator=(const StagedFile&) = delete;
-    ~StagedFile() { CQFile::DeleteFile(m_staged); }
-
-    void Write(const QByteArray& bytes)
-    {
-        CQFile file;
-        const bool open = file.Open(m_staged.GetDataPtr(), 1) == 1;
-        file.Write(bytes.constData(), unsigned(bytes.size()));
-        file.Close();
-        if (!open || bytes.isEmpty() || CQFile::GetFileLenght(m_staged) != bytes.size()) {
-            Fail("could not be written whole (disk full, or no permission?)");
+        m_file.Open(CQWString(path).GetDataPtr());
+        m_file.Write(bytes.constData(), unsigned(bytes.size()));
+        if (bytes.isEmpty() || m_file.HasFailed()) {
+            Fail("could not be written (disk full, or no permission?); its old content stands");
         }
-    }
-
-    // CQZipFile does not report a failed write; reading back does.
-    void WriteCompressed(const char* what, QByteArray bytes)
-    {
-        auto* data = reinterpret_cast<unsigned char*>(bytes.data());
-        int length = int(bytes.size());
-        CQZipFile writer;
-        const bool open = writer.Write(&data, &length, m_staged) == 1;
-        writer.Close();
-        CQZipFile reader; // one object per file
-        QByteArray readBack;
-        if (!open || reader.Read(readBack, m_staged) == 0 || readBack != bytes) {
-            Fail("does not hold what was written (disk full, or no permission?)");
-        }
-        const int stored = CQFile::GetFileLenght(m_staged);
-        std::printf("%-16s %9d %11d %6.1f %%\n", what, length, stored, 100.0 * stored / length);
     }
 
     void Publish()
     {
-        CQFile::DeleteFile(m_path);
-        if (CQFile::RenameFile(m_staged, m_path) == 0) {
-            Fail("could not be moved to its place");
+        if (m_file.Commit() == 0) {
+            Fail("could not be replaced; its old content stands");
         }
     }
 
 private:
-    [[noreturn]] void Fail(const char* what) const
-    {
-        throw Failure{1, std::string(CQSString(m_path).GetDataPtr()) + ": " + what};
-    }
+    [[noreturn]] void Fail(const char* what) const { FailWith(m_path.GetDataPtr(), what); }
 
-    CQWString m_path;
-    CQWString m_staged;
+    CQSString m_path;
+    CQSaveFile m_file;
 };
 
-using StagedFiles = std::vector<std::unique_ptr<StagedFile>>;
-
-StagedFile& Stage(StagedFiles& files, const CQSString& path)
+// Replaces an archive, reads it back and prints what it takes.
+void WriteArchive(const CQSString& path, const char* what, const QByteArray& bytes)
 {
-    files.push_back(std::make_unique<StagedFile>(path));
-    return *files.back();
+    const CQWString widePath(path);
+    CQZipFile writer;
+    if (writer.Replace(reinterpret_cast<const unsigned char*>(bytes.constData()), int(bytes.size()),
+                       widePath.GetDataPtr()) == 0) {
+        FailWith(path.GetDataPtr(), "could not be replaced (disk full, or no permission?)");
+    }
+    CQZipFile reader; // one object per file
+    QByteArray readBack;
+    if (reader.Read(readBack, widePath.GetDataPtr()) == 0 || readBack != bytes) {
+        ReportDifference(path.GetDataPtr(), "its content");
+    }
+    const int stored = CQFile::GetFileLenght(widePath);
+    std::printf("%-16s %9d %11d %6.1f %%\n", what, int(bytes.size()), stored,
+                100.0 * stored / double(bytes.size()));
 }
 
 // Invented, and the same on every run.
@@ -425,29 +422,28 @@ void Run(const Options& options)
 
     const QString directory = options.root + QStringLiteral("%1/").arg(accountNumber);
     if (CQFile::CreateDirectory(CQWString(directory)) == 0) {
-        throw Failure{1, directory.toStdString() + ": the directory cannot be made"};
+        throw SampleFailure{1, directory.toStdString() + ": the directory cannot be made"};
     }
-    StagedFiles files;
+    std::vector<std::unique_ptr<StagedFile>> files;
     for (size_t i = 0; i < pictures.size(); ++i) {
         if (!pictures[i].thumbnail.isNull()) {
             CQSString path;
             CQPath::GetCFFilePath(path, qUtf8Printable(options.root), accountNumber,
                                   unsigned(i) + 1);
-            Stage(files, path).Write(pictures[i].headPicture);
+            files.push_back(std::make_unique<StagedFile>(path, pictures[i].headPicture));
         }
     }
     const size_t decoded = files.size();
     const QByteArray sheet = EncodedPng(DrawSheet(pictures));
     const CQSString sheetPath = PathIn(options.root, "avatars.png");
-    Stage(files, sheetPath).Write(sheet);
-
-    std::printf("\n%-16s %9s %11s %8s\n", "archive of", "bytes", "compressed", "ratio");
-    Stage(files, PathIn(directory, "sheet.z")).WriteCompressed("the sheet", sheet);
-    Stage(files, PathIn(directory, "history.z"))
-        .WriteCompressed("400 messages", MessageHistory(400));
+    files.push_back(std::make_unique<StagedFile>(sheetPath, sheet));
     for (const auto& file : files) {
         file->Publish();
     }
+
+    std::printf("\n%-16s %9s %11s %8s\n", "archive of", "bytes", "compressed", "ratio");
+    WriteArchive(PathIn(directory, "sheet.z"), "the sheet", sheet);
+    WriteArchive(PathIn(directory, "history.z"), "400 messages", MessageHistory(400));
     std::printf("\n%zu pictures, %zu of which decode: look at %s. Both archives were read back "
                 "and found equal.\n",
                 pictures.size(), decoded, sheetPath.GetDataPtr());
@@ -462,7 +458,7 @@ Options ParseArguments(const QStringList& arguments)
     parser.addOption(root);
     parser.addPositionalArgument("PICTURES_DIR", "Pictures to draw.", "[PICTURES_DIR]");
     if (!parser.parse(arguments)) {
-        throw Failure{2, parser.errorText().toStdString() + " See avatars --help."};
+        throw SampleFailure{2, parser.errorText().toStdString() + " See avatars --help."};
     }
     if (parser.isSet(help)) {
         parser.showHelp();
@@ -472,7 +468,8 @@ Options ParseArguments(const QStringList& arguments)
         directories << QStringLiteral(ORVO_EXAMPLE_DATA "/avatars");
     }
     if (parser.value(root).isEmpty() || directories.size() > 1 || directories[0].isEmpty()) {
-        throw Failure{2, "wants --root DIR and one directory of pictures; see avatars --help"};
+        throw SampleFailure{2,
+                            "wants --root DIR and one directory of pictures; see avatars --help"};
     }
     return {parser.value(root) + QLatin1Char('/'), directories[0] + QLatin1Char('/')};
 }
@@ -488,7 +485,7 @@ int main(int argc, char** argv)
     const QGuiApplication application(argc, argv);
     try {
         Run(ParseArguments(QCoreApplication::arguments()));
-    } catch (const Failure& failure) {
+    } catch (const SampleFailure& failure) {
         std::fflush(stdout); // the reason comes last, also where both go to one file
         std::fprintf(stderr, "avatars: %s\n", failure.text.c_str());
         return failure.exitCode;

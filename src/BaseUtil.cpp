@@ -4,11 +4,13 @@
 #include "HexDigits.h"
 #include "OrvoAssert.h"
 #include "SystemTime.h"
+#include "TextSearch.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 namespace
@@ -21,10 +23,12 @@ bool IsSpace(char c)
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-unsigned char ToLower(unsigned char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + ('a' - 'A')) : c;
-}
+struct LowerUnit {
+    constexpr unsigned char operator()(unsigned char c) const
+    {
+        return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + ('a' - 'A')) : c;
+    }
+};
 
 void CopySwapped(unsigned char* dst, const unsigned char* src, int length)
 {
@@ -161,18 +165,18 @@ unsigned char* CBaseUtil::SearchMemNoCase(unsigned char* mem, int memLen, char* 
     if (mem == nullptr || pattern == nullptr || memLen <= 0 || patLen <= 0) {
         return nullptr;
     }
-    unsigned char* const end = mem + memLen;
-    unsigned char* const hit =
-        std::search(mem, end, pattern, pattern + patLen, [](unsigned char m, char p) {
-            return ToLower(m) == ToLower(static_cast<unsigned char>(p));
-        });
-    return hit != end ? hit : nullptr;
+    using Bytes = std::basic_string_view<unsigned char>;
+    const Bytes text(mem, static_cast<std::size_t>(memLen));
+    const Bytes sought(reinterpret_cast<const unsigned char*>(pattern),
+                       static_cast<std::size_t>(patLen));
+    const std::size_t at = FindText(text, sought, 0, LowerUnit());
+    return at != Bytes::npos ? mem + at : nullptr;
 }
 
 void CBaseUtil::MakeLowerCase(unsigned char* p, int len)
 {
     if (OrvoAssert(p != nullptr && len > 0, "pSrc != NULL && iLen > 0", Source, 203)) {
-        std::transform(p, p + len, p, ToLower);
+        std::transform(p, p + len, p, LowerUnit());
     }
 }
 

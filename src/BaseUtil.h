@@ -39,6 +39,9 @@ ORVO_EXPORT void QSleep(unsigned int ms);
 ///
 /// No member keeps state but Random(), which shares the C library's; all may be called on any
 /// thread, each call on its own data.
+/// Without memory a member that fills a string of this library leaves it empty. Only those that
+/// give or change an object of Qt (UrlEncode(), UrlDecode(), DecodeCgi()) throw `std::bad_alloc`,
+/// and then change nothing.
 /// Arguments may lie in the string that receives the result.
 class ORVO_EXPORT CBaseUtil
 {
@@ -49,12 +52,16 @@ public:
 
     /// Formats by the rules of QString::vasprintf(): C locale, %s reads UTF-8, %ls reads 16-bit
     /// units and not the wide text that the compiler's format check asks for. The text is stored
-    /// as UTF-8.
+    /// as UTF-8; bytes that are none become U+FFFD, and a byte-order mark in front of an argument
+    /// or of a piece of the format is dropped. A null text counts as empty, a width or precision
+    /// of 2^31 - 1 and more as 0.
     [[gnu::format(printf, 2, 3)]] static void FormatString(CQSString& out, char const* format, ...);
     /// The same with a wide format; %s still reads UTF-8 bytes, not wide text. \a out receives
-    /// one wide unit a character, also above U+FFFF.
+    /// one wide unit a character, also above U+FFFF. A U+FEFF of the format stays wherever it
+    /// stands; surrogates that form no pair become '?', units beyond U+10FFFF become U+FFFD.
     static void FormatString(CQWString& out, wchar_t const* format, ...);
     /// Fills the place markers '%1', '%2', ... of \a format in order, as QString::arg() does.
+    /// Texts go in unit by unit, U+FEFF included.
     /// \param arg  first of a list of wide C strings that ends with a null pointer of pointer
     ///             type. When it is null itself, only the slash rule is applied.
     static void FormatStringArg(CQWString& out, wchar_t const* format, wchar_t const* arg, ...);
@@ -97,7 +104,8 @@ public:
     /// place where that search began, are used on \a url as they are. Clients were tuned to
     /// those results; do not correct the offsets.
     /// \param value  emptied when a "=" was found but no value; untouched without "=".
-    /// \return       true for a non-empty value. False also for a null or empty \a name.
+    /// \return       true for a non-empty value. False also for a null or empty \a name and
+    ///               without memory.
     static bool GetArgumentFormURL(CQSString const& url, char const* name, CQSString& value);
 
     // Numbers
@@ -154,9 +162,13 @@ public:
     // Packing, most significant byte first: SetWORD(), SetDWORD(), GetWORD() and GetDWORD() with
     // signed types. GetLong() extends the sign where `long` is wider than 32 bits.
 
+    /// Packs 16 bits into two bytes.
     static void SetShort(unsigned char* p, short v);
+    /// Packs the low 32 bits into four bytes.
     static void SetLong(unsigned char* p, long v);
+    /// Reads two bytes.
     static void GetShort(short* v, unsigned char* p);
+    /// Reads four bytes.
     static void GetLong(long* v, unsigned char* p);
 
     // Without counterpart on this platform

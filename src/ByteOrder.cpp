@@ -1,5 +1,7 @@
 #include "ByteOrder.h"
 
+#include "WordBytes.h"
+
 #include <cstdint>
 #include <cstring>
 
@@ -11,10 +13,7 @@ void SetWORD(unsigned char* p, unsigned short v)
 
 void SetDWORD(unsigned char* p, unsigned long v)
 {
-    p[0] = static_cast<unsigned char>(v >> 24);
-    p[1] = static_cast<unsigned char>(v >> 16);
-    p[2] = static_cast<unsigned char>(v >> 8);
-    p[3] = static_cast<unsigned char>(v);
+    WordBytes::StoreBigEndian(static_cast<std::uint32_t>(v), p);
 }
 
 void GetWORD(unsigned short& v, unsigned char* p)
@@ -24,17 +23,12 @@ void GetWORD(unsigned short& v, unsigned char* p)
 
 void GetDWORD(unsigned long& v, unsigned char* p)
 {
-    v = static_cast<std::uint32_t>(p[0]) << 24 | static_cast<std::uint32_t>(p[1]) << 16 |
-        static_cast<std::uint32_t>(p[2]) << 8 | p[3];
+    v = WordBytes::LoadBigEndian(p);
 }
 
 void GetLLONG(unsigned long long& v, unsigned char* p)
 {
-    unsigned long high = 0;
-    unsigned long low = 0;
-    GetDWORD(high, p);
-    GetDWORD(low, p + 4);
-    v = static_cast<std::uint64_t>(high) << 32 | low;
+    v = std::uint64_t{WordBytes::LoadBigEndian(p)} << 32 | WordBytes::LoadBigEndian(p + 4);
 }
 
 unsigned long HTONL(unsigned long v)

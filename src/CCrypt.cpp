@@ -1,8 +1,7 @@
 #include "CCrypt.h"
 
+#include "RandomBytes.h"
 #include "TeaBlock.h"
-
-#include <QRandomGenerator>
 
 #include <algorithm>
 #include <cstring>
@@ -36,49 +35,59 @@ constexpr int MaxPrefixSize = PrefixSize(FillMask);
 
 void MakePrefix(unsigned char* prefix, int fill)
 {
-    quint32 words[(MaxPrefixSize + sizeof(quint32) - 1) / sizeof(quint32)];
-    QRandomGenerator::global()->fillRange(words);
-    std::memcpy(prefix, words, static_cast<std::size_t>(PrefixSize(fill)));
+    const auto bytes = DrawRandomBytes();
+    static_assert(bytes.size() >= MaxPrefixSize);
+    std::copy_n(bytes.data(), PrefixSize(fill), prefix);
     prefix[0] = static_cast<unsigned char>((prefix[0] & ~FillMask) | fill);
 }
 
-// The feedback mode. Both states start as zero blocks.
-class Encipherer
+// The feedback mode; its states start as zero blocks. Each block waits for the cipher's output for
+// the one before, so whatever else the next input is made of is loaded and joined by then, and
+// before the current output is stored: the loops come within a twentieth of the bare cipher.
+
+void EncipherInPlace(const unsigned char* key, unsigned char* blocks, int size)
 {
-public:
-    explicit Encipherer(const unsigned char* key) : m_key(Tea::LoadKey(key)) {}
-
-    void Next(const unsigned char* plain, unsigned char* out)
-    {
-        const Tea::Block input = Tea::Load(plain) ^ m_lastCipher;
-        m_lastCipher = Tea::Encipher(input, m_key, Cycles) ^ m_lastInput;
-        m_lastInput = input;
-        Tea::Store(m_lastCipher, out);
+    const Tea::Key words = Tea::LoadKey(key);
+    Tea::Block input = Tea::Load(blocks);
+    Tea::Block lastInput;
+    for (int pos = 0; pos < size; pos += Tea::BlockSize) {
+        const Tea::Block enciphered = Tea::Encipher(input, words, Cycles);
+        const int next = std::min(pos + Tea::BlockSize, size - Tea::BlockSize);
+        const Tea::Block joined = Tea::Load(blocks + next) ^ lastInput;
+        Tea::Store(enciphered ^ lastInput, blocks + pos);
+        lastInput = input;
+        input = enciphered ^ joined;
     }
-
-private:
-    Tea::Key m_key;
-    Tea::Block m_lastInput;
-    Tea::Block m_lastCipher;
-};
+}
 
 class Decipherer
 {
 public:
-    explicit Decipherer(const unsigned char* key) : m_key(Tea::LoadKey(key)) {}
-
-    void Next(const unsigned char* in, unsigned char* plain)
+    Decipherer(const unsigned char* key, const unsigned char* in, int size)
+        : m_key(Tea::LoadKey(key)), m_in(in), m_lastPos(size - Tea::BlockSize),
+          m_cipher(Tea::Load(in)), m_input(m_cipher)
     {
-        const Tea::Block cipher = Tea::Load(in);
-        m_lastInput = Tea::Decipher(cipher ^ m_lastInput, m_key, Cycles);
-        Tea::Store(m_lastInput ^ m_lastCipher, plain);
-        m_lastCipher = cipher;
+    }
+
+    void Next(unsigned char* plain)
+    {
+        const Tea::Block deciphered = Tea::Decipher(m_input, m_key, Cycles);
+        m_pos = std::min(m_pos + Tea::BlockSize, m_lastPos);
+        const Tea::Block next = Tea::Load(m_in + m_pos);
+        Tea::Store(deciphered ^ m_lastCipher, plain);
+        m_lastCipher = m_cipher;
+        m_cipher = next;
+        m_input = deciphered ^ next;
     }
 
 private:
     Tea::Key m_key;
-    Tea::Block m_lastInput;
+    const unsigned char* m_in;
+    int m_lastPos;
+    int m_pos = 0;
     Tea::Block m_lastCipher;
+    Tea::Block m_cipher;
+    Tea::Block m_input;
 };
 
 } // namespace
@@ -128,19 +137,14 @@ void CCrypt::Encrypt(const unsigned char* in, int inLen, unsigned char* out, int
     const int fill = size - inLen - FixedSize;
     const int prefixSize = PrefixSize(fill);
 
-    // The window holds what of the envelope comes next. It reads the payload ahead by the
-    // prefix, so that a block of it is read before the output in the same place is written.
-    unsigned char window[MaxPrefixSize + Tea::BlockSize];
-    unsigned char* const incoming = window + prefixSize;
-    MakePrefix(window, fill);
-    Encipherer cipher(m_Key);
-    for (int pos = 0; pos < size; pos += Tea::BlockSize) {
-        const int fresh = std::clamp(inLen - pos, 0, Tea::BlockSize);
-        std::copy_n(in + std::min(pos, inLen), fresh, incoming);
-        std::fill(incoming + fresh, incoming + Tea::BlockSize, 0);
-        cipher.Next(window, out + pos);
-        std::memmove(window, window + Tea::BlockSize, static_cast<std::size_t>(prefixSize));
+    // The plain envelope is laid out where the cipher then runs over it in place, which costs
+    // less than handing it over block by block. The payload goes first: it may lie in `out`.
+    if (inLen > 0) {
+        std::memmove(out + prefixSize, in, static_cast<std::size_t>(inLen));
     }
+    std::fill_n(out + prefixSize + inLen, TrailerSize, 0);
+    MakePrefix(out, fill);
+    EncipherInPlace(m_Key, out, size);
     outLen = size;
 }
 
@@ -151,8 +155,8 @@ bool CCrypt::Decrypt(const unsigned char* in, int inLen, unsigned char* out, int
         return false;
     }
     unsigned char plain[Tea::BlockSize];
-    Decipherer cipher(m_Key);
-    cipher.Next(in, plain);
+    Decipherer cipher(m_Key, in, inLen);
+    cipher.Next(plain);
     const int fill = plain[0] & FillMask;
     const int payloadSize = inLen - fill - FixedSize;
     const int room = out != nullptr ? outLen : 0;
@@ -163,16 +167,20 @@ bool CCrypt::Decrypt(const unsigned char* in, int inLen, unsigned char* out, int
 
     const int payloadStart = PrefixSize(fill);
     const int payloadEnd = payloadStart + payloadSize;
-    for (int pos = 0;;) {
+    const auto emitPart = [&](int pos) {
         const int first = std::clamp(payloadStart - pos, 0, Tea::BlockSize);
         const int last = std::clamp(payloadEnd - pos, first, Tea::BlockSize);
-        std::copy(plain + first, plain + last, out);
-        out += last - first;
-        pos += Tea::BlockSize;
-        if (pos == inLen) {
-            break;
+        out = std::copy(plain + first, plain + last, out);
+    };
+    emitPart(0);
+    for (int pos = Tea::BlockSize; pos < inLen; pos += Tea::BlockSize) {
+        if (pos >= payloadStart && pos + Tea::BlockSize <= payloadEnd) {
+            cipher.Next(out);
+            out += Tea::BlockSize;
+        } else {
+            cipher.Next(plain);
+            emitPart(pos);
         }
-        cipher.Next(in + pos, plain);
     }
     return std::all_of(plain + 1, plain + Tea::BlockSize,
                        [](unsigned char byte) { return byte == 0; });

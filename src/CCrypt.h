@@ -14,14 +14,22 @@ struct tagMD5State {
 
 /// Receives a digest as 32 lower-case hexadecimal digits and a terminating zero.
 struct _tag_THashHexString8 {
-    char m_szHex[33];
+    char m_szHex[33]; ///< 32 digits and the zero.
 };
 
 /// Enciphers byte payloads into self-describing envelopes with a 16-byte key, and deciphers
 /// them; beside that, MD5 digests (RFC 1321) and keys derived from them.
 ///
 /// Both are kept for compatibility with existing data. By today's standards neither protects
-/// anything: use them for the client's formats only.
+/// anything: use them for the client's formats only. An envelope is not authenticated: whoever
+/// has the key's envelopes can alter them, and all that Decrypt() checks are seven zero bytes.
+///
+/// What is random in an envelope only makes two envelopes of one payload differ. It comes from a
+/// generator of each thread, seeded from the platform's secure source when the thread first
+/// enciphers and once more in a child after fork(); no seeding by the client has any part in it.
+///
+/// Nothing is wiped: key, plain text and the words between them stay behind in the object, on
+/// the stack and in the client's buffers until something else is stored there.
 ///
 /// A client sets key and algorithms, `CCrypt crypt(key, 0, 0)`, and gives Encrypt() a buffer
 /// of FindEncryptSize() bytes. An envelope is the block cipher TEA at 16 cycles over, in order,
@@ -36,7 +44,7 @@ struct _tag_THashHexString8 {
 /// with the previous block so XORed after it. Words of key and blocks are big-endian.
 ///
 /// Objects keep nothing between calls but key and algorithms. Different objects may be used on
-/// different threads, and the static operations anywhere.
+/// different threads, and the static operations anywhere. Only GetMd5Key() throws.
 class ORVO_EXPORT CCrypt
 {
 public:
@@ -56,11 +64,13 @@ public:
     /// The size of the envelope of \a len bytes: \a len + 10, rounded up to a multiple of 8.
     /// Returns 0 if that is above 2^31 - 1, or when the enciphering algorithm is neither 0 nor
     /// 1. That 1 has a size although Encrypt() refuses it is what default objects answer.
+    /// Negative lengths are put into the same sum, and the result, below 16 and itself negative
+    /// from -18 down, is no size of any envelope: Encrypt() refuses them.
     int FindEncryptSize(int len) const;
 
     /// Writes the envelope of \a in to \a out, which has room for FindEncryptSize(\a inLen)
-    /// bytes, and its size to \a outLen. Each call draws fresh random bytes. \a in and \a out
-    /// may be the same buffer, but not overlap otherwise.
+    /// bytes, and its size to \a outLen. Each call draws fresh random bytes. \a in may lie
+    /// in \a out, at its start or anywhere else.
     ///
     /// Does nothing, not even to \a outLen, when the enciphering algorithm is not 0, for a
     /// negative length or one without an envelope size, for a null \a out, and for a null \a in
@@ -68,13 +78,14 @@ public:
     void Encrypt(const unsigned char* in, int inLen, unsigned char* out, int& outLen) const;
 
     /// Deciphers the envelope \a in to \a out. \a outLen holds the room in \a out, and then the
-    /// length of the payload. \a in and \a out may be the same buffer.
+    /// length of the payload. \a in and \a out may be the same buffer, but not overlap otherwise.
     ///
     /// Returns false, \a outLen unchanged, when the deciphering algorithm is not 0, when
     /// \a inLen is below 16 or no multiple of 8, when the header contradicts the length, when
     /// the payload does not fit (null has no room), and for a null \a in. Returns false with
     /// \a out and \a outLen already set, and not to be used, when the zero trailer does not
-    /// come out: a wrong key or altered data.
+    /// come out: a wrong key or altered data. The bytes are handed out before that is known, so
+    /// a caller that must not see them has to clear \a out itself.
     bool Decrypt(const unsigned char* in, int inLen, unsigned char* out, int& outLen) const;
 
     /// Starts a digest: clears \a state and sets its chaining words.
@@ -98,12 +109,11 @@ public:
     ///
     /// It is the second half of the hexadecimal MD5 digest of the number as unsigned decimal, the
     /// first 16 characters of \a text at most, and a fixed salt. Letters a to f come out as "@"
-    /// and A to E, one below their capitals, which existing keys depend on. Returns null for null.
+    /// and A to E, one below their capitals, which existing keys depend on. Returns null for null,
+    /// and throws `std::bad_alloc` if there is no memory for the key.
     static unsigned char* GetMd5Key(int number, char* text);
 
 private:
-    static void MD5_Transform(quint32 (&chain)[4], const unsigned char* block);
-
     unsigned char m_Key[16];
     quint8 m_EncryptArith;
     quint8 m_DecryptArith;

@@ -3,6 +3,7 @@
 #include "CCrypt.h"
 
 #include "HexDigits.h"
+#include "WordBytes.h"
 
 #include <algorithm>
 #include <array>
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -33,30 +35,19 @@ constexpr std::array<quint32, 64> SineTable = {
 
 constexpr int Rotations[4][4] = {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}};
 
-quint32 LoadLittleEndian(const unsigned char* p)
-{
-    return quint32{p[0]} | quint32{p[1]} << 8 | quint32{p[2]} << 16 | quint32{p[3]} << 24;
-}
-
-void StoreLittleEndian(quint32 v, unsigned char* p)
-{
-    for (int i = 0; i < 4; ++i) {
-        p[i] = static_cast<unsigned char>(v >> (8 * i));
-    }
-}
-
-// The round functions F, G, H, I.
+// The round functions F, G, H, I, added to `sum`. The newest of the words is x: what does not wait
+// for it comes first. G's two terms have no bit in common, so they can be added one by one.
 template <int Round>
-constexpr quint32 Mix(quint32 x, quint32 y, quint32 z)
+quint32 AddMixed(quint32 sum, quint32 x, quint32 y, quint32 z)
 {
     if constexpr (Round == 0) {
-        return z ^ (x & (y ^ z));
+        return sum + (z ^ (x & (y ^ z)));
     } else if constexpr (Round == 1) {
-        return y ^ (z & (x ^ y));
+        return sum + (y & ~z) + (x & z);
     } else if constexpr (Round == 2) {
-        return x ^ y ^ z;
+        return sum + (x ^ (y ^ z));
     } else {
-        return y ^ (x | ~z);
+        return sum + (y ^ (x | ~z));
     }
 }
 
@@ -64,18 +55,42 @@ constexpr quint32 Mix(quint32 x, quint32 y, quint32 z)
 constexpr int FirstWord[4] = {0, 1, 5, 0};
 constexpr int WordStride[4] = {1, 5, 3, 7};
 
-template <int Round>
-void RunRound(quint32& a, quint32& b, quint32& c, quint32& d, const quint32* x)
+// The words trade places from step to step instead of being moved.
+template <int Step>
+void RunStep(quint32 (&words)[4], const unsigned char* block)
 {
-    for (int i = 0; i < 16; ++i) {
-        const quint32 word = x[(FirstWord[Round] + i * WordStride[Round]) % 16];
-        const quint32 sum =
-            a + Mix<Round>(b, c, d) + word + SineTable[static_cast<std::size_t>(16 * Round + i)];
-        a = d;
-        d = c;
-        c = b;
-        b += std::rotl(sum, Rotations[Round][i % 4]);
+    constexpr int Round = Step / 16;
+    constexpr int Position = Step % 16;
+    constexpr int Word = (FirstWord[Round] + Position * WordStride[Round]) % 16;
+    constexpr int Newest = 65 - Step;
+    quint32& changed = words[(Newest - 1) % 4];
+    const quint32 newest = words[Newest % 4];
+    const quint32 sum =
+        AddMixed<Round>(changed + WordBytes::LoadLittleEndian(block + 4 * Word) + SineTable[Step],
+                        newest, words[(Newest + 1) % 4], words[(Newest + 2) % 4]);
+    changed = newest + std::rotl(sum, Rotations[Round][Position % 4]);
+}
+
+// Inlined so that the words stay in registers.
+template <int... Steps>
+[[gnu::always_inline]] inline void RunSteps(quint32 (&words)[4], const unsigned char* block,
+                                            std::integer_sequence<int, Steps...>)
+{
+    (RunStep<Steps>(words, block), ...);
+}
+
+// Takes whole blocks; the chaining words stay in registers from one to the next.
+void Transform(quint32 (&chain)[4], const unsigned char* blocks, std::size_t count)
+{
+    quint32 words[4] = {chain[0], chain[1], chain[2], chain[3]};
+    for (; count > 0; --count, blocks += Md5BlockSize) {
+        const quint32 before[4] = {words[0], words[1], words[2], words[3]};
+        RunSteps(words, blocks, std::make_integer_sequence<int, 64>());
+        for (int i = 0; i < 4; ++i) {
+            words[i] += before[i];
+        }
     }
+    std::copy_n(words, 4, chain);
 }
 
 } // namespace
@@ -105,13 +120,12 @@ void CCrypt::MD5_Update(tagMD5State* state, const unsigned char* data, unsigned 
         if (state->m_nBlockLen < Md5BlockSize) {
             return;
         }
-        MD5_Transform(state->m_dwChain, state->m_Block);
+        Transform(state->m_dwChain, state->m_Block, 1);
     }
-    for (; len >= Md5BlockSize; len -= Md5BlockSize, data += Md5BlockSize) {
-        MD5_Transform(state->m_dwChain, data);
-    }
-    std::memcpy(state->m_Block, data, len);
-    state->m_nBlockLen = static_cast<qint32>(len);
+    Transform(state->m_dwChain, data, len / Md5BlockSize);
+    const unsigned long left = len % Md5BlockSize;
+    std::memcpy(state->m_Block, data + (len - left), left);
+    state->m_nBlockLen = static_cast<qint32>(left);
 }
 
 void CCrypt::MD5_Final(unsigned char* digest, tagMD5State* state)
@@ -121,15 +135,15 @@ void CCrypt::MD5_Final(unsigned char* digest, tagMD5State* state)
     block[used++] = 0x80;
     if (used > LengthPos) {
         std::fill(block + used, block + Md5BlockSize, 0);
-        MD5_Transform(state->m_dwChain, block);
+        Transform(state->m_dwChain, block, 1);
         used = 0;
     }
     std::fill(block + used, block + LengthPos, 0);
-    StoreLittleEndian(state->m_dwBits[0], block + LengthPos);
-    StoreLittleEndian(state->m_dwBits[1], block + LengthPos + 4);
-    MD5_Transform(state->m_dwChain, block);
+    WordBytes::StoreLittleEndian(state->m_dwBits[0], block + LengthPos);
+    WordBytes::StoreLittleEndian(state->m_dwBits[1], block + LengthPos + 4);
+    Transform(state->m_dwChain, block, 1);
     for (int i = 0; i < 4; ++i) {
-        StoreLittleEndian(state->m_dwChain[i], digest + 4 * i);
+        WordBytes::StoreLittleEndian(state->m_dwChain[i], digest + 4 * i);
     }
 }
 
@@ -174,21 +188,4 @@ unsigned char* CCrypt::GetMd5Key(int number, char* text)
         return static_cast<unsigned char>(digit > 96 ? digit - 33 : digit);
     });
     return key;
-}
-
-void CCrypt::MD5_Transform(quint32 (&chain)[4], const unsigned char* block)
-{
-    quint32 words[16];
-    for (int i = 0; i < 16; ++i) {
-        words[i] = LoadLittleEndian(block + 4 * i);
-    }
-    auto [a, b, c, d] = chain;
-    RunRound<0>(a, b, c, d, words);
-    RunRound<1>(a, b, c, d, words);
-    RunRound<2>(a, b, c, d, words);
-    RunRound<3>(a, b, c, d, words);
-    chain[0] += a;
-    chain[1] += b;
-    chain[2] += c;
-    chain[3] += d;
 }

@@ -7,17 +7,18 @@
 namespace OrvoStream
 {
 
-/// A read-ahead byte source: loads up to 20480 bytes from its device at the first read and
-/// serves reads from that buffer.
+/// A read-ahead byte source: loads up to 20480 bytes (StreamBufferSize) from its device at the
+/// first read and serves reads from that buffer.
 ///
 /// A concrete stream supplies LoadBuffer(), Available() and Close(). Reads are all-or-nothing.
-/// An input of at most 20480 bytes reads correctly as long as no read is refused: a refused
-/// read gives up the unread bytes. What a longer input yields behind its first 20480 bytes
-/// follows from PrepareBuffer(); read such inputs through CQFile. Not locked; one thread at a
-/// time.
+/// What the device delivers in the first load reads correctly as long as no read is refused: a
+/// refused read gives up the unread bytes. What comes later, from an input longer than the buffer
+/// or a device that delivers in pieces, follows from PrepareBuffer() and is not what the device
+/// holds; read such inputs through CQFile. Not locked; one thread at a time.
 class ORVO_EXPORT CIStream
 {
 public:
+    /// A stream that has loaded nothing yet.
     CIStream();
     /// Frees the buffer. Does not call Close().
     virtual ~CIStream();
@@ -49,9 +50,9 @@ public:
     int PrepareBuffer(int len);
 
 private:
-    bool LoadFirst();
-    void Refill();
-    int Load(char* dest, int len);
+    friend int Load(CIStream& in, int len); // of PrepareBuffer()
+    // Whether LoadBuffer() was given dest by a load that is not the first.
+    friend bool IsRefill(const CIStream& in, const char* dest);
 
     char* m_pBuffer;
     qint32 m_nValidLen;

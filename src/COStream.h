@@ -11,12 +11,13 @@ namespace OrvoStream
 /// device whole.
 ///
 /// A concrete stream supplies SaveBuffer() and Close(). The buffer is allocated at the first
-/// write and never grows, so one call can write at most 20480 bytes. Nothing is flushed on
-/// destruction: write, then Flush(), then Close(); bytes written after the last flush are lost.
-/// Not locked; one thread at a time.
+/// write and never grows, so one call can write at most 20480 bytes (StreamBufferSize). Nothing is
+/// flushed on destruction: write, then Flush(), then Close(); bytes written after the last flush
+/// are lost. Not locked; one thread at a time.
 class ORVO_EXPORT COStream
 {
 public:
+    /// A stream without a buffer yet.
     COStream();
     /// Drops what is still buffered, without calling the device, and frees the buffer.
     virtual ~COStream();
@@ -47,7 +48,10 @@ public:
     virtual int PrepareBuffer(int len);
 
 private:
-    bool Fits(int len) const;
+    friend int MakeRoom(COStream& out, int len); // of PrepareBuffer()
+    // Whether Write() has just taken len bytes when it answered position, which is 0 for a refusal
+    // too. A stream that puts its bytes elsewhere and answers 0 counts as one that refused.
+    friend bool HasTaken(const COStream& out, int position, int len);
 
     char* m_pBuffer;
     qint32 m_nCapacity;

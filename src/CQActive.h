@@ -43,8 +43,11 @@ public:
     /// after a run, all that the run wrote is visible to the caller. Any thread.
     bool IsReady() const { return __atomic_load_n(&m_nReady, __ATOMIC_ACQUIRE) == 1; }
 
-    /// Lowers the ready flag, and calls DoCancel() if it was up. Any thread. A run that has
-    /// begun, or that the worker is about to begin, is not held up.
+    /// Lowers the ready flag, and calls DoCancel() if it was up. Any thread.
+    ///
+    /// A run that has begun, or that the worker is about to begin, is not held up: DoCancel() is
+    /// called beside it, the run ends as usual and is reported, and IsReady() is false though it
+    /// may still go on. A Complete() that follows while it does is lost as any other raise then.
     void Cancel();
 
     CQActive(const CQActive&) = delete;

@@ -17,11 +17,18 @@ class CQSchedulerInstance;
 /// that created the scheduler. A client that wants to know on that thread that an object has
 /// run installs an event filter on the scheduler.
 ///
-/// Scheduler and worker live until the process ends. While static objects are destroyed the
-/// worker is at rest: exit() lets a run that has begun end first, but for at most two seconds.
-/// Objects with static storage that were made after the scheduler are destroyed before that,
-/// so RunL() must not depend on them. Once an application object has been destroyed, no more
-/// events are posted until there is another; the objects still run.
+/// That thread has to run its event loop: without one the notices are never delivered and pile up,
+/// some 60 bytes a run.
+///
+/// Scheduler and worker live until the process ends. exit() on the main thread, or the end of
+/// main(), lets a run that has begun end first, but waits for at most two seconds; then the worker
+/// is at rest before any static object is destroyed, the client's and Qt's. When another thread
+/// calls exit(), objects with static storage that were made after the scheduler are destroyed
+/// before that wait, so RunL() must not depend on them. The main thread must not end by
+/// pthread_exit(), which puts the worker to rest too. Once an application object has been
+/// destroyed, no more events are posted until there is another; the objects still run.
+///
+/// In a forked child there is no worker: objects can be added but do not run.
 class ORVO_EXPORT CQActiveScheduler : public QObject
 {
     Q_OBJECT

@@ -20,7 +20,9 @@ class QSize;
 /// - Plain: the image as it is in the file, in GetImage(). The operation returns 1 and has
 ///   notified with (1, id, 0), but not when fitting to the screen was asked for and the fitting
 ///   size differs from the image's; see ResizeImageToFitScreen().
-/// - Unreadable, or beyond 128 MB in memory: as plain or masked by its name, with a null QImage.
+/// - Unreadable, beyond 128 MB in memory as CQImageDecode counts it, or no regular file: as plain
+///   or masked by its name, with a null QImage. A whole decode, mask and fitting included, stays
+///   below 3 x 128 MB at its peak.
 ///
 /// Refused with 0, nothing changed and nobody notified: a null or empty path, and "nopic.bmp" as
 /// the whole path, in any case of letters. A backslash in a path becomes a slash, in the caller's

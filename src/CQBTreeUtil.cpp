@@ -8,15 +8,13 @@ namespace
 {
 
 // The two sides of every algorithm below are mirror images; a side is the field of the node
-// that leads there.
+// that leads there. It is known at compile time, which makes it as good as written out twice.
 using Side = Node* Node::*;
 constexpr Side left = &Node::m_pLeft;
 constexpr Side right = &Node::m_pRight;
 
-constexpr Side Opposite(Side side)
-{
-    return side == left ? right : left;
-}
+template <Side side>
+constexpr Side Opposite = side == left ? right : left;
 
 bool IsRed(const Node* node)
 {
@@ -28,7 +26,8 @@ bool IsBlack(const Node* node)
     return !IsRed(node); // an absent child counts as black
 }
 
-Node* Outermost(Node* node, Side side)
+template <Side side>
+Node* Outermost(Node* node)
 {
     while (node->*side != nullptr) {
         node = node->*side;
@@ -54,9 +53,10 @@ void ReplaceInParent(Node* node, Node* by, Node*& root)
 }
 
 // Rotates x down to `side`.
-void Rotate(Node* x, Side side, Node*& root)
+template <Side side>
+void Rotate(Node* x, Node*& root)
 {
-    const Side other = Opposite(side);
+    constexpr Side other = Opposite<side>;
     Node* const y = x->*other;
     x->*other = y->*side;
     if (y->*side != nullptr) {
@@ -67,15 +67,37 @@ void Rotate(Node* x, Side side, Node*& root)
     x->m_pParent = y;
 }
 
+// The red node x has a red parent, which stands on `side` of the black grandparent. Returns the
+// node to go on from: one below a black parent when nothing is left to do.
+template <Side side>
+Node* RestoreColors(Node* x, Node* grandparent, Node*& root)
+{
+    Node* const uncle = grandparent->*Opposite<side>;
+    if (IsRed(uncle)) {
+        x->m_pParent->m_nColor = Node::enBlack;
+        uncle->m_nColor = Node::enBlack;
+        grandparent->m_nColor = Node::enRed;
+        return grandparent;
+    }
+    if (x == x->m_pParent->*Opposite<side>) {
+        x = x->m_pParent;
+        Rotate<side>(x, root);
+    }
+    x->m_pParent->m_nColor = Node::enBlack;
+    grandparent->m_nColor = Node::enRed;
+    Rotate<Opposite<side>>(grandparent, root);
+    return x;
+}
+
 // The node x with at most one child gives way to that child. An end of the tree moves to the
 // outermost node that remains on its side, which may be the header.
 void Unlink(Node* x, Node* child, Node*& root, Node*& leftmost, Node*& rightmost)
 {
     if (leftmost == x) {
-        leftmost = child != nullptr ? Outermost(child, left) : x->m_pParent;
+        leftmost = child != nullptr ? Outermost<left>(child) : x->m_pParent;
     }
     if (rightmost == x) {
-        rightmost = child != nullptr ? Outermost(child, right) : x->m_pParent;
+        rightmost = child != nullptr ? Outermost<right>(child) : x->m_pParent;
     }
     ReplaceInParent(x, child, root);
 }
@@ -99,36 +121,49 @@ Node* MoveToPlaceOf(Node* y, Node* z, Node*& root)
     return parent;
 }
 
+// The paths through the child of `parent` on the side `near` are one black node short. Returns
+// whether they still are, now together with the paths through its sibling.
+template <Side near>
+bool IsStillShort(Node* parent, Node*& root)
+{
+    constexpr Side far = Opposite<near>;
+    Node* sibling = parent->*far;
+    if (IsRed(sibling)) {
+        sibling->m_nColor = Node::enBlack;
+        parent->m_nColor = Node::enRed;
+        Rotate<near>(parent, root);
+        sibling = parent->*far;
+    }
+    // Paths that are short of a black node have a sibling, and a red node there has two children.
+    // NOLINTBEGIN(clang-analyzer-core.NullDereference)
+    if (IsBlack(sibling->*near) && IsBlack(sibling->*far)) {
+        sibling->m_nColor = Node::enRed;
+        return true;
+    }
+    if (IsBlack(sibling->*far)) {
+        (sibling->*near)->m_nColor = Node::enBlack;
+        // NOLINTEND(clang-analyzer-core.NullDereference)
+        sibling->m_nColor = Node::enRed;
+        Rotate<far>(sibling, root);
+        sibling = parent->*far;
+    }
+    sibling->m_nColor = parent->m_nColor;
+    parent->m_nColor = Node::enBlack;
+    (sibling->*far)->m_nColor = Node::enBlack;
+    Rotate<near>(parent, root);
+    return false;
+}
+
 // The paths through x, a child of `parent` that may be null, are one black node short.
 void RestoreBlackHeight(Node* x, Node* parent, Node*& root)
 {
     while (x != root && IsBlack(x)) {
-        const Side near = x == parent->m_pLeft ? left : right;
-        const Side far = Opposite(near);
-        Node* sibling = parent->*far;
-        if (IsRed(sibling)) {
-            sibling->m_nColor = Node::enBlack;
-            parent->m_nColor = Node::enRed;
-            Rotate(parent, near, root);
-            sibling = parent->*far;
+        const bool isLeft = x == parent->m_pLeft;
+        if (!(isLeft ? IsStillShort<left>(parent, root) : IsStillShort<right>(parent, root))) {
+            break;
         }
-        if (IsBlack(sibling->*near) && IsBlack(sibling->*far)) {
-            sibling->m_nColor = Node::enRed;
-            x = parent;
-            parent = parent->m_pParent;
-            continue;
-        }
-        if (IsBlack(sibling->*far)) {
-            (sibling->*near)->m_nColor = Node::enBlack;
-            sibling->m_nColor = Node::enRed;
-            Rotate(sibling, far, root);
-            sibling = parent->*far;
-        }
-        sibling->m_nColor = parent->m_nColor;
-        parent->m_nColor = Node::enBlack;
-        (sibling->*far)->m_nColor = Node::enBlack;
-        Rotate(parent, near, root);
-        break;
+        x = parent;
+        parent = parent->m_pParent;
     }
     if (x != nullptr) {
         x->m_nColor = Node::enBlack;
@@ -139,12 +174,12 @@ void RestoreBlackHeight(Node* x, Node* parent, Node*& root)
 
 void CQBTreeUtil::RotateLeft(CQBTreeNodeBase* x, CQBTreeNodeBase*& root)
 {
-    Rotate(x, left, root);
+    Rotate<left>(x, root);
 }
 
 void CQBTreeUtil::RotateRight(CQBTreeNodeBase* x, CQBTreeNodeBase*& root)
 {
-    Rotate(x, right, root);
+    Rotate<right>(x, root);
 }
 
 int CQBTreeUtil::Rebalance(CQBTreeNodeBase* x, CQBTreeNodeBase*& root)
@@ -152,22 +187,8 @@ int CQBTreeUtil::Rebalance(CQBTreeNodeBase* x, CQBTreeNodeBase*& root)
     x->m_nColor = Node::enRed;
     while (x != root && IsRed(x->m_pParent)) {
         Node* const grandparent = x->m_pParent->m_pParent;
-        const Side side = x->m_pParent == grandparent->m_pLeft ? left : right;
-        Node* const uncle = grandparent->*Opposite(side);
-        if (IsRed(uncle)) {
-            x->m_pParent->m_nColor = Node::enBlack;
-            uncle->m_nColor = Node::enBlack;
-            grandparent->m_nColor = Node::enRed;
-            x = grandparent;
-            continue;
-        }
-        if (x == x->m_pParent->*Opposite(side)) {
-            x = x->m_pParent;
-            Rotate(x, side, root);
-        }
-        x->m_pParent->m_nColor = Node::enBlack;
-        grandparent->m_nColor = Node::enRed;
-        Rotate(grandparent, Opposite(side), root);
+        x = x->m_pParent == grandparent->m_pLeft ? RestoreColors<left>(x, grandparent, root)
+                                                 : RestoreColors<right>(x, grandparent, root);
     }
     root->m_nColor = Node::enBlack;
     return 1;
@@ -180,7 +201,7 @@ CQBTreeNodeBase* CQBTreeUtil::RebalanceForRemove(CQBTreeNodeBase* z, CQBTreeNode
     Node* child = nullptr; // what moves up into the place that loses a node
     Node* parent = nullptr;
     if (z->m_pLeft != nullptr && z->m_pRight != nullptr) {
-        Node* const successor = Outermost(z->m_pRight, left);
+        Node* const successor = Outermost<left>(z->m_pRight);
         child = successor->m_pRight;
         parent = MoveToPlaceOf(successor, z, root);
     } else {
@@ -197,11 +218,9 @@ CQBTreeNodeBase* CQBTreeUtil::RebalanceForRemove(CQBTreeNodeBase* z, CQBTreeNode
 
 CQBTreeNodeBase* CQBTreeUtil::Increment(CQBTreeNodeBase* x)
 {
-    if (x->m_pParent == nullptr) {
-        return x; // the header of an empty tree
-    }
     if (x->m_pRight != nullptr) {
-        return Outermost(x->m_pRight, left);
+        const bool isHeaderOfEmptyTree = x->m_pParent == nullptr;
+        return isHeaderOfEmptyTree ? x : Outermost<left>(x->m_pRight);
     }
     Node* parent = x->m_pParent;
     while (x == parent->m_pRight) {
@@ -221,7 +240,7 @@ CQBTreeNodeBase* CQBTreeUtil::Decrement(CQBTreeNodeBase* x)
         return x->m_pRight;
     }
     if (x->m_pLeft != nullptr) {
-        return Outermost(x->m_pLeft, right);
+        return Outermost<right>(x->m_pLeft);
     }
     Node* parent = x->m_pParent;
     while (x == parent->m_pLeft) {

@@ -13,10 +13,10 @@
 struct CQBTreeNodeBase {
     enum : qint32 { enRed = 0, enBlack = 1 };
 
-    qint32 m_nColor; ///< enRed or enBlack
-    CQBTreeNodeBase* m_pParent;
-    CQBTreeNodeBase* m_pLeft;  ///< null if there is none
-    CQBTreeNodeBase* m_pRight; ///< null if there is none
+    qint32 m_nColor;            ///< enRed or enBlack
+    CQBTreeNodeBase* m_pParent; ///< the header for the root
+    CQBTreeNodeBase* m_pLeft;   ///< null if there is none
+    CQBTreeNodeBase* m_pRight;  ///< null if there is none
 };
 
 /// The node-level operations of a red-black tree: whatever does not depend on keys. Comparing,

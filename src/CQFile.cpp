@@ -1,8 +1,11 @@
 #include "CQFile.h"
 
+#include "DiskSync.h"
 #include "MLDataBuf.h"
 #include "OrvoAssert.h"
 #include "PathText.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 #include <climits>
@@ -46,9 +49,80 @@ QString ParentPath(const QString& path)
     return path.left(std::max<int>(0, static_cast<int>(path.lastIndexOf(QLatin1Char('/')))));
 }
 
+// The directories that get a new entry when the missing file \a path is made with its parents.
+QStringList DirsWithNewEntries(const QString& path)
+{
+    QStringList dirs;
+    QString dir = QFileInfo(path).absolutePath();
+    while (!dir.isEmpty() && !dirs.contains(dir)) {
+        dirs << dir;
+        if (QFileInfo::exists(dir)) {
+            break;
+        }
+        dir = QFileInfo(dir).absolutePath();
+    }
+    return dirs;
+}
+
+bool OpenOrReplace(QFile& file, QIODevice::OpenMode flags, bool& removed)
+{
+    if (file.open(flags)) {
+        return true;
+    }
+    removed = QFile::remove(file.fileName());
+    return file.open(flags);
+}
+
+bool OpenMissing(QFile& file, const OpenModeRow& row, QStringList& dirsToSync)
+{
+    if (row.stored == StoredRead) {
+        return false;
+    }
+    dirsToSync = DirsWithNewEntries(file.fileName());
+    return CQFile::MakeDir(ParentPath(file.fileName())) && file.open(row.flags);
+}
+
+bool HasCache(quint8 enabled, const CMLDataBuf* cache)
+{
+    return enabled != 0 && cache != nullptr;
+}
+
+void WriteOut(CMLDataBuf& cache, CQFile& file)
+{
+    if (cache.GetUsedSize() > 0) {
+        file.WriteData(cache.GetBuf(), static_cast<unsigned int>(cache.GetUsedSize()));
+        cache.Zero();
+    }
+}
+
+void Drop(CMLDataBuf*& cache, quint8& enabled)
+{
+    delete cache;
+    cache = nullptr;
+    enabled = 0;
+}
+
+// Reads until \a wanted bytes are there, the end is reached or the platform fails. The platform
+// stops short without an error where a failure follows some bytes; only asking again tells that
+// from the end.
+qint64 ReadAll(QFile& file, char* buffer, qint64 wanted, bool& failed)
+{
+    qint64 total = 0;
+    qint64 count = 0;
+    do {
+        count = file.read(buffer + total, wanted - total);
+        total += std::max<qint64>(count, 0);
+    } while (count > 0 && total < wanted && !file.isSequential());
+    failed = failed || count < 0;
+    return total;
+}
+
 } // namespace
 
-CQFile::CQFile() : m_dwMode(StoredRead), m_bCacheEnabled(0), m_pCache(nullptr), m_bOpened(0) {}
+CQFile::CQFile()
+    : m_dwMode(StoredRead), m_bCacheEnabled(0), m_pCache(nullptr), m_bOpened(0), m_bFailed(false)
+{
+}
 
 CQFile::~CQFile()
 {
@@ -62,38 +136,34 @@ CQFile::~CQFile()
 int CQFile::Open(QString& path, unsigned int mode)
 {
     path = PathText::Slashed(path);
+    m_bFailed = true;
     if (mode >= std::size(OpenModes)) {
         return 0;
     }
     const OpenModeRow& row = OpenModes[mode];
     m_dwMode = row.stored;
     m_file.setFileName(path);
-    const bool opened =
-        QFile::exists(path) ? OpenOrReplace(path, row.flags) : OpenMissing(path, row.flags);
+    m_dirsToSync.clear();
+    bool removed = false;
+    // To read, a look at whether it exists is saved where it opens: that cost a fifth of the time.
+    const bool opened = (row.stored == StoredRead && m_file.open(row.flags)) ||
+                        (QFile::exists(path) ? OpenOrReplace(m_file, row.flags, removed)
+                                             : OpenMissing(m_file, row, m_dirsToSync));
     if (!opened) {
         return 0;
     }
+    if (removed) {
+        m_dirsToSync << QFileInfo(path).absolutePath();
+    }
+    m_bFailed = removed && m_dwMode != StoredWrite;
     m_bOpened = 1;
     return 1;
-}
-
-bool CQFile::OpenOrReplace(const QString& path, QIODevice::OpenMode flags)
-{
-    if (m_file.open(flags)) {
-        return true;
-    }
-    QFile::remove(path);
-    return m_file.open(flags);
-}
-
-bool CQFile::OpenMissing(const QString& path, QIODevice::OpenMode flags)
-{
-    return m_dwMode != StoredRead && MakeDir(ParentPath(path)) && m_file.open(flags);
 }
 
 int CQFile::Open(const wchar_t* path, unsigned int mode)
 {
     if (path == nullptr) {
+        m_bFailed = true;
         return 0;
     }
     QString converted = PathText::FromWide(path);
@@ -111,7 +181,10 @@ int CQFile::OpenWithWriteCache(const wchar_t* path, unsigned int mode, int cache
     if (!Open(path, mode)) {
         return 0;
     }
-    DropCache();
+    if (HasCache(m_bCacheEnabled, m_pCache)) {
+        m_bFailed = m_bFailed || m_pCache->GetUsedSize() > 0;
+        Drop(m_pCache, m_bCacheEnabled);
+    }
     if (mode == 0 || cacheSize <= 0) {
         return 1;
     }
@@ -123,55 +196,63 @@ int CQFile::OpenWithWriteCache(const wchar_t* path, unsigned int mode, int cache
     return 1;
 }
 
-void CQFile::DropCache()
-{
-    delete m_pCache;
-    m_pCache = nullptr;
-    m_bCacheEnabled = 0;
-}
-
 void CQFile::Close()
 {
-    if (HasCache()) {
-        WriteOutCache();
-        DropCache();
+    if (HasCache(m_bCacheEnabled, m_pCache)) {
+        WriteOut(*m_pCache, *this);
+        Drop(m_pCache, m_bCacheEnabled);
     }
     if (m_bOpened) {
         m_bOpened = 0;
         m_file.close();
+        m_bFailed = m_bFailed || m_file.error() != QFileDevice::NoError;
     }
 }
 
-bool CQFile::HasCache() const
+bool CQFile::Sync()
 {
-    return m_bCacheEnabled != 0 && m_pCache != nullptr;
+    if (!m_bOpened) {
+        return false;
+    }
+    if (HasCache(m_bCacheEnabled, m_pCache)) {
+        WriteOut(*m_pCache, *this);
+    }
+    if (!m_file.flush() || !DiskSync::File(m_file.handle()) ||
+        !DiskSync::Directories(m_dirsToSync)) {
+        m_bFailed = true;
+    } else {
+        m_dirsToSync.clear();
+    }
+    return !m_bFailed;
 }
 
-void CQFile::WriteOutCache()
+bool CQFile::HasFailed() const
 {
-    if (m_pCache->GetUsedSize() > 0) {
-        WriteData(m_pCache->GetBuf(), static_cast<unsigned int>(m_pCache->GetUsedSize()));
-        m_pCache->Zero();
-    }
+    return m_bFailed;
 }
 
 int CQFile::Read(void* buffer, unsigned int length)
 {
-    if (buffer == nullptr || length == 0 || !m_bOpened || m_dwMode == StoredWrite) {
+    if (buffer == nullptr || length == 0) {
         return -1;
     }
-    const qint64 count = m_file.read(static_cast<char*>(buffer), Bounded(length));
-    return static_cast<int>(std::max<qint64>(count, 0));
+    if (!m_bOpened || m_dwMode == StoredWrite) {
+        m_bFailed = true;
+        return -1;
+    }
+    return static_cast<int>(
+        ReadAll(m_file, static_cast<char*>(buffer), Bounded(length), m_bFailed));
 }
 
 int CQFile::Write(const void* data, unsigned int length)
 {
-    const bool canBeCached = HasCache() && MayWrite() && data != nullptr && length > 0;
+    const bool canBeCached = HasCache(m_bCacheEnabled, m_pCache) && m_bOpened &&
+                             m_dwMode != StoredRead && data != nullptr && length > 0;
     if (!canBeCached) {
         return static_cast<int>(WriteData(data, length));
     }
     if (length >= m_pCache->GetFreeSize()) {
-        WriteOutCache();
+        WriteOut(*m_pCache, *this);
         if (length > m_pCache->GetMaxSize()) {
             return static_cast<int>(WriteData(data, length));
         }
@@ -180,21 +261,19 @@ int CQFile::Write(const void* data, unsigned int length)
     return static_cast<int>(length);
 }
 
-bool CQFile::MayWrite() const
-{
-    return m_bOpened && m_dwMode != StoredRead;
-}
-
 unsigned int CQFile::WriteData(const void* data, unsigned int length)
 {
-    if (!MayWrite()) {
+    const bool isEmpty = data == nullptr || length == 0;
+    if (!m_bOpened || m_dwMode == StoredRead) {
+        m_bFailed = m_bFailed || !isEmpty;
         return static_cast<unsigned int>(-1);
     }
-    if (data == nullptr || length == 0) {
+    if (isEmpty) {
         return 0;
     }
     const qint64 written = m_file.write(static_cast<const char*>(data), Bounded(length));
-    m_file.flush();
+    const bool flushed = m_file.flush();
+    m_bFailed = m_bFailed || written != length || !flushed;
     return Low32(written);
 }
 
@@ -225,7 +304,16 @@ int CQFile::GetLength() const
 
 int CQFile::SetSize(int size)
 {
-    return m_bOpened && m_file.resize(size);
+    if (!m_bOpened) {
+        return 0;
+    }
+    // The platform moves a position beyond the new end, and keeps what it has read ahead until
+    // the position goes back.
+    const qint64 position = m_file.pos();
+    const bool resized = m_file.resize(size);
+    m_file.seek(0);
+    m_file.seek(position);
+    return resized;
 }
 
 int CQFile::GetModifiedTime(QTime&) const

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QString>
+#include <QStringList>
 
 class CMLDataBuf;
 class CQWString;
@@ -19,8 +20,14 @@ struct CQFileUID {
 ///
 /// The object keeps the calling style of the older platform: mode codes for opening, origin codes
 /// for seeking, and plain integer results, 1 for success and 0 for failure where nothing else is
-/// said. Nothing throws. Backslashes in a path count as slashes where nothing else is said. Wide
-/// paths are 32-bit units, 8-bit paths UTF-8, both zero-terminated.
+/// said. Nothing throws but std::bad_alloc, out of the platform's own handling of paths and names.
+/// Backslashes in a path count as slashes where nothing else is said. Wide paths are 32-bit units,
+/// 8-bit paths UTF-8, both zero-terminated.
+///
+/// A path that begins with a colon names a resource built into the program, as everywhere in Qt:
+/// it can be read and asked about, and nothing else; write "./:name" for such a file. Names on the
+/// disk that are not UTF-8 cannot be named, do not appear in listings, and keep the directory that
+/// they stand in from being removed.
 ///
 /// | Mode | Opens for | Missing file | Existing file |
 /// |---|---|---|---|
@@ -37,6 +44,7 @@ struct CQFileUID {
 class ORVO_EXPORT CQFile
 {
 public:
+    /// An object without an open file.
     CQFile();
     /// Closes the file, and drops what the write cache still holds: callers that use one call
     /// Close() themselves.
@@ -47,7 +55,13 @@ public:
     ///
     /// An existing file that cannot be opened is removed and the open is tried again, in every
     /// mode: to write, a new and empty file takes its place; to read, the open fails and the file
-    /// stays deleted. Callers rely on getting rid of damaged files this way.
+    /// stays deleted. Callers rely on getting rid of damaged files this way. It also hits a healthy
+    /// file that may only be read, in the modes that write, and any file while the process has no
+    /// descriptor left: what must not be lost is asked about first, or kept with CQSaveFile.
+    ///
+    /// Parents of a relative path are made as MakeDir() makes them, inside the directory that the
+    /// path leads to: "a/b/file" fails where a/b is missing, and where only the file is, it leaves
+    /// a/b/a/b behind.
     /// @{
     virtual int Open(const wchar_t* path, unsigned int mode);
     virtual int Open(CQSString& path, unsigned int mode);
@@ -79,7 +93,8 @@ public:
     virtual int GetLength() const;
     /// Not supported: asserts "0" and returns 0 with \a time untouched.
     virtual int GetModifiedTime(QTime& time) const;
-    /// Cuts or extends the file to \a size bytes. 0 when not open or refused by the platform.
+    /// Cuts or extends the file to \a size bytes and leaves the position where it is. 0 when not
+    /// open or refused by the platform.
     virtual int SetSize(int size);
 
     /// The open that the other forms end in. Backslashes in \a path become slashes in place, also
@@ -94,6 +109,18 @@ public:
     /// Moves the position to the end; 0 when not open.
     int SeekToEnd();
 
+    /// Whether, since the last open, anything handed over did not reach the platform or anything
+    /// asked for could not be read; stays true after Close(). It counts an open that gave 0 or
+    /// that removed content it was to keep, refused and short writes, cached bytes that were
+    /// dropped or did not get through, and what flushing, Sync() and Close() report, also where
+    /// the result of the operation says nothing of it. The end of the file does not count, nor
+    /// does a refused seek or size.
+    bool HasFailed() const;
+    /// Writes out the cache and waits until what was written since the open has reached the disk,
+    /// and with it the names of the file and of the directories that the open has made.
+    /// \return  false when not open and when HasFailed().
+    bool Sync();
+
     // Asking about files
 
     /// 1 when \a path names a file or a directory, not a dangling link; 0 for null and empty.
@@ -103,14 +130,14 @@ public:
     /// 1 when \a path begins with a letter from C to Z of either case, a colon and a slash. A and
     /// B, which were floppy drives, do not count, nor does a backslash.
     static int IsLocalPath(const char* path);
-    /// Sets \a name to what follows the last slash of \a path, or to all of it, slashed. 0 for
-    /// null and empty, and, with \a name emptied, for a path that ends with a slash.
+    /// Sets \a name to what follows the last slash of \a path, or to all of it. 0 for null and
+    /// empty, without memory, and, with \a name emptied, for a path that ends with a slash.
     static int GetFileName(const CQWString* path, CQWString& name);
     /// The same up to the last dot: "b.tar" of "/a/b.tar.gz". When the last dot of the whole path
     /// stands in a directory name, \a name is emptied and the result is 0.
     static int GetFileNameWithoutExtension(const CQWString* path, CQWString& name);
-    /// Size of a file in bytes, -1 when it does not exist or for null. Unlike everywhere else
-    /// backslashes are taken as they are. The spelling is part of the interface.
+    /// Size of a file in bytes, -1 when it does not exist, for a dangling link and for null. Unlike
+    /// everywhere else backslashes are taken as they are. The spelling is part of the interface.
     /// @{
     static int GetFileLenght(const wchar_t* path);
     static int GetFileLenght(const CQWString& path);
@@ -130,14 +157,17 @@ public:
     static int DeleteFile(const wchar_t* path);
     /// Of \a dir and \a name put together; \a dir ends with its separator.
     static int DeleteFile(const wchar_t* dir, const wchar_t* name);
-    /// Copies a file; an existing target is not overwritten. 0 for null, empty, and failure.
+    /// Copies a file. Whatever stands at \a to, a dangling link too, is neither replaced nor
+    /// written through. 0 for null, empty, and failure.
     static int CopyFile(const wchar_t* from, const wchar_t* to);
     /// The same with directory and name put together on each side; a missing \a toDir is made
     /// with its parents. -1 when any argument is null.
     static int CopyFile(const wchar_t* fromDir, const wchar_t* fromName, const wchar_t* toDir,
                         const wchar_t* toName);
-    /// Renames or moves a file; an existing target is not overwritten. 0 for null, empty, and
-    /// failure.
+    /// Renames or moves a file. Whatever stands at \a to, a dangling link too, is neither replaced
+    /// nor written through. To another file system it is copied, and the source is removed only
+    /// after content and permissions have reached the disk there; 0 leaves the source untouched
+    /// and no target. 0 for null, empty, and failure.
     static int RenameFile(const wchar_t* from, const wchar_t* to);
 
     // Directories
@@ -150,33 +180,32 @@ public:
     static int MakeDir(QString path);
     /// Removes an empty directory. 0 when it does not exist or is not empty.
     static int DelDir(const wchar_t* path);
-    /// Removes a directory with everything in it; 1 when all of it is gone. Links and special
-    /// files in it are left, and their directories with them; a \a path that is a link itself
-    /// stays, but what it leads to is emptied. The walk stops at the first entry that cannot be
-    /// removed; what was removed before stays removed. 0 for null and empty.
+    /// Removes a directory with everything in it; 1 when all of it is gone. Links, special files
+    /// and names that are not UTF-8, most of which no listing shows a client, are left, and their
+    /// directories with them; a \a path that is a link itself stays, but what it leads to is
+    /// emptied. The walk stops at the first entry that cannot be removed; what was removed before
+    /// stays removed. It never leaves the directory, even where others replace parts of it by
+    /// links meanwhile. 0 for null and empty.
     static int RecursiveDelDir(const wchar_t* path);
-    /// Renames or moves a directory. 0 when \a from does not exist. The last argument is ignored.
+    /// Renames or moves a directory, not to another file system; a file as RenameFile() does. 0
+    /// when \a from does not exist. The last argument is ignored.
     static int RenameDir(const wchar_t* from, const wchar_t* to, unsigned int);
     /// Lists the files of \a dir, and its directories when \a withDirs, by name and ignoring
-    /// case; hidden ones are left out. An empty \a dir is the current directory.
+    /// case; hidden ones, special files and links that lead nowhere are left out. An empty \a dir
+    /// is the current directory.
     /// \param ext   when not empty, only names that end with a dot and this text, any case.
     /// \param list  receives an array of the names, without the directory, or null when there are
     ///              none. The caller frees it as an array.
-    /// \return  the length of the array; 0 for null \a list.
+    /// \return  the length of the array; 0 for null \a list and without memory.
     static int GetDirFileList(CQWString& dir, CQWString& ext, bool withDirs, CQWString** list);
 
 private:
-    bool OpenOrReplace(const QString& path, QIODevice::OpenMode flags);
-    bool OpenMissing(const QString& path, QIODevice::OpenMode flags);
-    bool MayWrite() const;
-    bool HasCache() const;
-    void WriteOutCache();
-    void DropCache();
-
     quint32 m_dwMode; // 0 read, 1 write, 2 read and write, 4 append, as last asked for
     QFile m_file;
     quint8 m_bCacheEnabled;
     CMLDataBuf* m_pCache; // owned, or null
     quint8 m_bOpened;
-    CQSString m_strName; // unused; it keeps the size of the object
+    CQSString m_strName; // unused; it keeps the places of what stands before
+    bool m_bFailed;
+    QStringList m_dirsToSync; // absolute; they got new entries when the file was made
 };

@@ -6,7 +6,9 @@ class CQWString;
 class TImageMIMETypes;
 
 /// Names of image files and the image types that the client handles. Paths are used as they
-/// stand; a backslash is part of a name. Thread-safe on distinct arguments.
+/// stand; a backslash is part of a name. A path that begins with ":" is one of Qt's, for data
+/// built into the program, and no file's: write "./:a". A file whose name is not UTF-8 cannot be
+/// named by wide text. Thread-safe on distinct arguments.
 class ORVO_EXPORT CQFileNameUtil
 {
 public:
@@ -20,7 +22,8 @@ public:
     static void ImageMIMETypesL(TImageMIMETypes& types);
 
     /// True when \a path holds an image that can be decoded, by its content whatever its
-    /// extension; images beyond 128 MB in memory count as not decodable. Decodes the whole image.
+    /// extension. Images beyond 128 MB in memory, as CQImageDecode counts it, and files that are
+    /// no regular ones count as not decodable. Decodes the whole image.
     static bool IsImageFile(CQWString const& path);
 
     /// Sets \a name to the file name in \a path without its directory and without everything from

@@ -18,8 +18,10 @@
 /// | -12 | the path is shorter than 4 characters, or could not be made and nothing is there |
 /// | -21 | it exists and could not be removed, or it lies directly in the root directory |
 ///
-/// Backslashes in a path count as slashes where nothing else is said. Nothing here throws; the
-/// operations keep no state and may be called on any thread.
+/// Backslashes in a path count as slashes where nothing else is said. Nothing here throws but
+/// std::bad_alloc, out of the platform's own handling of paths; the operations keep no state and
+/// may be called on any thread. See CQFile on paths that begin with a colon and on names that are
+/// not UTF-8.
 class ORVO_EXPORT CQFileUtils
 {
 public:
@@ -63,8 +65,10 @@ public:
     /// \return  1, or the first other result of MkDir().
     static int EnsurePathExists(const QString& path);
     /// Opens \a file at \a path for reading and writing, and makes it and its directories when
-    /// they are missing; an empty directory in its place is removed. \a permissions are applied
-    /// before the file is opened, so a file that is made here has those of the process.
+    /// they are missing. An empty directory in its place is removed, and so is anything else that
+    /// is no file: a pipe, a socket, a device. \a permissions are applied to what stands at the
+    /// path before the file is opened: a file that is made here has those of the process, and a
+    /// directory that is not empty, and so stays, has changed its own.
     /// \return  the result of EnsurePathExists(). Whether the file could be opened is no part of
     ///          it: callers ask \a file.
     static int MkFile(QFile& file, const QString& path, QFile::Permissions permissions);

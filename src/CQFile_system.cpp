@@ -3,15 +3,17 @@
 #include "CQFile.h"
 
 #include "CQWString.h"
+#include "FileMove.h"
 #include "OrvoAssert.h"
 #include "PathText.h"
+#include "TreeRemoval.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
 #include <memory>
-#include <string>
+#include <new>
 #include <string_view>
 
 namespace
@@ -35,39 +37,27 @@ int Unsupported(int line)
 
 int LengthOf(const QString& path)
 {
-    const QFile file(path);
-    return file.exists() ? static_cast<int>(static_cast<quint32>(file.size())) : -1;
+    const QFileInfo info(path);
+    const qint64 size = info.size(); // looks at the file once, for both answers
+    return info.exists() ? static_cast<int>(static_cast<quint32>(size)) : -1;
 }
 
 int CopyTo(const QString& from, const QString& to)
 {
-    return !from.isEmpty() && !to.isEmpty() && QFile::copy(from, to);
+    return !from.isEmpty() && !to.isEmpty() && !QFileInfo(to).isSymLink() && QFile::copy(from, to);
 }
 
-bool RemoveTree(const QString& path)
+// Where the file name in \a path begins.
+std::size_t NameStart(std::wstring_view path)
 {
-    // Flags by name: their numbers differ between generations of Qt, and one that lists ".." too
-    // would empty the parent directory.
-    constexpr auto filters =
-        QDir::Dirs | QDir::Files | QDir::NoSymLinks | QDir::Hidden | QDir::NoDotAndDotDot;
-    const QFileInfoList entries = QDir(path).entryInfoList(filters);
-    // Entries are removed under the names they have: slashing a backslash in one would lead to
-    // another place.
-    for (const QFileInfo& entry : entries) {
-        const bool removed =
-            entry.isDir() ? RemoveTree(entry.absoluteFilePath()) : QFile::remove(entry.filePath());
-        if (!removed) {
-            break;
-        }
-    }
-    return QDir().rmdir(path);
+    return path.find_last_of(L"/\\") + 1; // npos + 1, without a separator, is the start
 }
 
-std::wstring SlashedText(const CQWString& path)
+bool StoreNames(const QStringList& names, CQWString* texts)
 {
-    std::wstring text(path.GetDataPtr());
-    std::replace(text.begin(), text.end(), L'\\', L'/');
-    return text;
+    return std::all_of(names.cbegin(), names.cend(), [&texts](const QString& name) {
+        return PathText::Store(*texts++, name.toStdWString());
+    });
 }
 
 } // namespace
@@ -112,11 +102,9 @@ int CQFile::GetFileName(const CQWString* path, CQWString& name)
     if (path == nullptr || path->IsEmpty()) {
         return 0;
     }
-    const std::wstring text = SlashedText(*path);
-    // No slash is npos, and npos + 1 the start of the text.
-    const auto fileName = std::wstring_view(text).substr(text.rfind(L'/') + 1);
-    PathText::Store(name, fileName);
-    return !fileName.empty();
+    const std::wstring_view text(path->GetDataPtr());
+    const auto fileName = text.substr(NameStart(text));
+    return PathText::Store(name, fileName) && !name.IsEmpty();
 }
 
 int CQFile::GetFileNameWithoutExtension(const CQWString* path, CQWString& name)
@@ -124,15 +112,14 @@ int CQFile::GetFileNameWithoutExtension(const CQWString* path, CQWString& name)
     if (path == nullptr || path->IsEmpty()) {
         return 0;
     }
-    const std::wstring text = SlashedText(*path);
-    const auto start = text.rfind(L'/') + 1;
+    const std::wstring_view text(path->GetDataPtr());
+    const auto start = NameStart(text);
     const auto dot = std::min(text.rfind(L'.'), text.size());
     if (start == text.size() || dot < start) {
         name.Empty();
         return 0;
     }
-    PathText::Store(name, std::wstring_view(text).substr(start, dot - start));
-    return 1;
+    return PathText::Store(name, text.substr(start, dot - start));
 }
 
 int CQFile::GetFileLenght(const wchar_t* path)
@@ -181,7 +168,7 @@ int CQFile::CopyFile(const wchar_t* fromDir, const wchar_t* fromName, const wcha
 int CQFile::RenameFile(const wchar_t* from, const wchar_t* to)
 {
     return !IsNullOrEmpty(from) && !IsNullOrEmpty(to) &&
-           QFile::rename(PathText::SlashedFromWide(from), PathText::SlashedFromWide(to));
+           MoveFile(PathText::SlashedFromWide(from), PathText::SlashedFromWide(to));
 }
 
 int CQFile::CreateDirectory(const wchar_t* path)
@@ -211,14 +198,18 @@ int CQFile::DelDir(const wchar_t* path)
 
 int CQFile::RecursiveDelDir(const wchar_t* path)
 {
-    // An empty path would be the current directory.
-    return !IsNullOrEmpty(path) && RemoveTree(PathText::SlashedFromWide(path));
+    if (IsNullOrEmpty(path)) {
+        return 0; // an empty path would be the current directory
+    }
+    const QString slashed = PathText::SlashedFromWide(path);
+    RemoveContents(slashed);
+    return QDir().rmdir(slashed);
 }
 
 int CQFile::RenameDir(const wchar_t* from, const wchar_t* to, unsigned int)
 {
     return IsFileExist(from) && !IsNullOrEmpty(to) &&
-           QDir().rename(PathText::SlashedFromWide(from), PathText::SlashedFromWide(to));
+           MoveFile(PathText::SlashedFromWide(from), PathText::SlashedFromWide(to));
 }
 
 int CQFile::GetDirFileList(CQWString& dir, CQWString& ext, bool withDirs, CQWString** list)
@@ -237,11 +228,11 @@ int CQFile::GetDirFileList(CQWString& dir, CQWString& ext, bool withDirs, CQWStr
     if (names.isEmpty()) {
         return 0;
     }
-    const auto count = static_cast<int>(names.size());
-    auto texts = std::make_unique<CQWString[]>(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) {
-        PathText::Store(texts[static_cast<std::size_t>(i)], names[i].toStdWString());
+    std::unique_ptr<CQWString[]> texts(new (std::nothrow)
+                                           CQWString[static_cast<std::size_t>(names.size())]);
+    if (texts == nullptr || !StoreNames(names, texts.get())) {
+        return 0;
     }
     *list = texts.release();
-    return count;
+    return static_cast<int>(names.size());
 }

@@ -27,9 +27,20 @@ class QImage;
 /// QImage. They return 0 for null or empty arguments and for the name "nopic.bmp", which stands
 /// for no picture; nothing has changed then and nobody is notified.
 ///
-/// The format is detected from the content. An image beyond 128 MB in memory is a null image, and
-/// so is one in a display mode that Qt does not know. Paths are used as they stand; a backslash
-/// is part of a name. Arguments may be what GetFileName() returned.
+/// The format is detected from the content. A null image is what comes of:
+/// - an image beyond 128 MB in memory. Pixels count with 32 bits at least, the display mode's
+///   pixels too, and with them counts what expands beside them: texts and profiles of a PNG, the
+///   picture inside an icon. A whole decode, mask included, stays below 3 x 128 MB at its peak,
+///   beside images that were made before and are kept;
+/// - a display mode that Qt does not know;
+/// - a file that is no regular one, such as a device or a pipe, which is not opened.
+///
+/// Paths are used as they stand; a backslash is part of a name. Arguments may be what
+/// GetFileName() returned.
+///
+/// The notifier may do anything: take the images, start another decode, destroy the decoder. The
+/// word that tells of alpha is reset when the notifier returns, so that a decode which it starts
+/// itself is announced with the same word.
 ///
 /// Images that are not taken stay with the decoder, which deletes them when the next decode
 /// replaces them or when it is destroyed. Use a decoder on one thread.

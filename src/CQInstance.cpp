@@ -20,20 +20,14 @@ int CQInstance::AddWithUid(void* object, int uid)
     if (registry == nullptr) {
         return -1;
     }
-    registry->Append(object, uid);
-    return static_cast<int>(registry->m_Objects.indexOf(object));
-}
-
-// All or nothing: the lists keep the same length when memory runs out in between.
-void CQInstance::Append(void* object, int uid)
-{
-    m_Objects.append(object);
+    registry->m_Objects.append(object);
     try {
-        m_Uids.append(uid);
+        registry->m_Uids.append(uid);
     } catch (...) {
-        m_Objects.removeLast();
+        registry->m_Objects.removeLast(); // the lists keep the same length
         throw;
     }
+    return static_cast<int>(registry->m_Objects.indexOf(object));
 }
 
 void* CQInstance::GetByUid(int uid)

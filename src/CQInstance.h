@@ -22,7 +22,8 @@ public:
 
     /// Appends an entry, whether or not \a uid or \a object is registered already. Returns the
     /// index of the first entry that holds \a object: an older one if there is one, and for
-    /// null the first tombstone. -1 only if there is no memory for the registry.
+    /// null the first tombstone. -1 only if there is no memory for the registry; `std::bad_alloc`,
+    /// with nothing added, if there is none for the entry.
     static int AddWithUid(void* object, int uid);
 
     /// Returns the object of the oldest entry with \a uid, or null. -1 finds a tombstone.
@@ -41,7 +42,6 @@ public:
 
 private:
     CQInstance() = default;
-    void Append(void* object, int uid);
 
     QList<void*> m_Objects; // entry i is the pair m_Uids[i], m_Objects[i]
     QList<int> m_Uids;

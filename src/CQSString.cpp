@@ -1,5 +1,6 @@
 #include "CQSString.h"
 
+#include "CQSStringBuffer.h"
 #include "OrvoAssert.h"
 #include "TextUnits.h"
 
@@ -7,18 +8,36 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <string_view>
+#include <utility>
 
 namespace
 {
 
 constexpr char Source[] = "src/CQSString";
 
-bool AssertIndex(int nIndex, int nLen)
+// Reports the line of the operation that asks.
+bool AssertIndex(int nIndex, int nLen, int line = __builtin_LINE())
 {
-    return OrvoAssert(nIndex >= 0, "nIndex >= 0", Source) &&
-           OrvoAssert(nIndex < nLen, "nIndex < m_nLen", Source);
+    return OrvoAssert(nIndex >= 0, "nIndex >= 0", Source, line) &&
+           OrvoAssert(nIndex < nLen, "nIndex < m_nLen", Source, line);
+}
+
+int SetBytes(CQSString& s, const char* pData, std::int64_t nLen)
+{
+    return CQSStringBuffer::Adopt(s, CQSStringBuffer::NewCopy(pData, nLen), nLen);
+}
+
+int AppendBytes(CQSString& s, const char* pData, std::int64_t nLen)
+{
+    const int old = s.GetLength();
+    const std::int64_t total = old + nLen;
+    char* const pFresh = CQSStringBuffer::New(total);
+    if (pFresh != nullptr) {
+        std::copy_n(s.GetDataPtr(), old, pFresh);
+        std::copy_n(pData, nLen, pFresh + old);
+    }
+    return CQSStringBuffer::Adopt(s, pFresh, total);
 }
 
 } // namespace
@@ -32,13 +51,21 @@ CQSString::CQSString(int nLen) : CQSString()
 
 CQSString::CQSString(const CQSString& other) : CQSString()
 {
-    *this = other;
+    if (other.m_nLen > 0) {
+        m_pData = CQSStringBuffer::NewCopy(other.m_pData, other.m_nLen);
+        m_nLen = m_pData != nullptr ? other.m_nLen : 0;
+    }
 }
 
-CQSString::CQSString(CQSString&& other) noexcept : m_pData(other.m_pData), m_nLen(other.m_nLen)
+CQSString::CQSString(CQSString&& other) noexcept : CQSString()
 {
-    other.m_pData = nullptr;
-    other.m_nLen = 0;
+    // A string that was filtered down to nothing still has its buffer, which a copy has not, and
+    // any other filtered string lacks the terminator of a copy.
+    if (other.m_nLen > 0) {
+        std::swap(m_pData, other.m_pData);
+        std::swap(m_nLen, other.m_nLen);
+        m_pData[m_nLen] = '\0';
+    }
 }
 
 CQSString::~CQSString()
@@ -46,71 +73,30 @@ CQSString::~CQSString()
     delete[] m_pData;
 }
 
-char* CQSString::NewBuffer(long long nLen)
-{
-    if (nLen > INT_MAX) {
-        return nullptr;
-    }
-    const auto length = static_cast<std::size_t>(nLen);
-    char* const pFresh = new (std::nothrow) char[length + 1];
-    if (pFresh != nullptr) {
-        pFresh[length] = '\0';
-    }
-    return pFresh;
-}
-
-char* CQSString::NewCopy(const char* pData, long long nLen)
-{
-    char* const pFresh = NewBuffer(nLen);
-    if (pFresh != nullptr) {
-        std::memcpy(pFresh, pData, static_cast<std::size_t>(nLen));
-    }
-    return pFresh;
-}
-
-int CQSString::Adopt(char* pFresh, long long nLen)
-{
-    delete[] m_pData;
-    m_pData = pFresh;
-    m_nLen = pFresh != nullptr ? static_cast<int>(nLen) : 0;
-    return pFresh != nullptr ? 1 : 0;
-}
-
-int CQSString::Append(const char* pData, long long nLen)
-{
-    const long long total = m_nLen + nLen;
-    char* const pFresh = NewBuffer(total);
-    if (pFresh != nullptr) {
-        std::copy_n(m_pData, m_nLen, pFresh);
-        std::copy_n(pData, nLen, pFresh + m_nLen);
-    }
-    return Adopt(pFresh, total);
-}
-
 void CQSString::AllocBuffer(int nLen)
 {
     if (!OrvoAssert(nLen >= 0, "nLen >= 0", Source) || nLen == 0) {
         return;
     }
-    char* const pFresh = NewBuffer(nLen);
+    char* const pFresh = CQSStringBuffer::New(nLen);
     if (pFresh != nullptr) {
         std::memset(pFresh, 0, static_cast<std::size_t>(nLen));
     }
-    Adopt(pFresh, nLen);
+    CQSStringBuffer::Adopt(*this, pFresh, nLen);
 }
 
 void CQSString::AllocCopy(CQSString& dest, int nCopyLen, int nCopyIndex) const
 {
     const int first = std::max(nCopyIndex, 0);
     const std::int64_t end = std::min(std::int64_t{nCopyIndex} + nCopyLen, std::int64_t{m_nLen});
-    if (nCopyLen >= 1 && end > first) {
-        dest.Adopt(NewCopy(m_pData + first, end - first), end - first);
+    if (end > first) {
+        SetBytes(dest, m_pData + first, end - first);
     }
 }
 
 void CQSString::Empty()
 {
-    Adopt(nullptr, 0);
+    CQSStringBuffer::Adopt(*this, nullptr, 0);
 }
 
 int CQSString::SafeStrlen(const char* lpszStr)
@@ -125,7 +111,7 @@ int CQSString::SetData(unsigned char* pData, int nLen)
     if (pData == nullptr || nLen < 1) {
         return 0;
     }
-    return Adopt(NewCopy(reinterpret_cast<const char*>(pData), nLen), nLen);
+    return SetBytes(*this, reinterpret_cast<const char*>(pData), nLen);
 }
 
 int CQSString::SetData(const char* lpszStr)
@@ -133,21 +119,20 @@ int CQSString::SetData(const char* lpszStr)
     if (lpszStr == nullptr || *lpszStr == '\0') {
         return 0;
     }
-    const auto length = static_cast<long long>(std::strlen(lpszStr));
-    return Adopt(NewCopy(lpszStr, length), length);
+    return SetBytes(*this, lpszStr, static_cast<std::int64_t>(std::strlen(lpszStr)));
 }
 
 CQSString& CQSString::operator=(const CQSString& other)
 {
     if (m_pData != other.m_pData && other.m_nLen > 0) {
-        Adopt(NewCopy(other.m_pData, other.m_nLen), other.m_nLen);
+        SetBytes(*this, other.m_pData, other.m_nLen);
     }
     return *this;
 }
 
 int CQSString::AppendChar(char c)
 {
-    return Append(&c, 1);
+    return AppendBytes(*this, &c, 1);
 }
 
 int CQSString::AppendData(char* lpszStr)
@@ -160,7 +145,7 @@ int CQSString::AppendData(const char* lpszStr)
     if (lpszStr == nullptr || *lpszStr == '\0') {
         return 0;
     }
-    return Append(lpszStr, static_cast<long long>(std::strlen(lpszStr)));
+    return AppendBytes(*this, lpszStr, static_cast<std::int64_t>(std::strlen(lpszStr)));
 }
 
 int CQSString::AppendData(unsigned char* pData, int nLen)
@@ -168,7 +153,7 @@ int CQSString::AppendData(unsigned char* pData, int nLen)
     if (pData == nullptr || nLen < 1) {
         return 0;
     }
-    return Append(reinterpret_cast<const char*>(pData), nLen);
+    return AppendBytes(*this, reinterpret_cast<const char*>(pData), nLen);
 }
 
 int CQSString::GetLength() const
@@ -198,7 +183,7 @@ char CQSString::GetAt(int nIndex) const
 
 char CQSString::operator[](int nIndex) const
 {
-    return GetAt(nIndex);
+    return AssertIndex(nIndex, m_nLen) ? m_pData[nIndex] : '\0';
 }
 
 void CQSString::SetAt(int nIndex, char c)
@@ -215,7 +200,16 @@ int CQSString::Compare(const char* lpszStr) const
 
 bool CQSString::operator==(const CQSString& other) const
 {
-    return Compare(other.m_pData) == 0;
+    if (m_pData == nullptr || other.m_pData == nullptr) {
+        return false;
+    }
+    // Equal bytes with their terminators make equal C strings: the usual case, and quicker seen
+    // than by looking for a zero in each of them.
+    const bool hasEqualBytes =
+        m_nLen == other.m_nLen &&
+        std::memcmp(m_pData, other.m_pData, static_cast<std::size_t>(m_nLen)) == 0;
+    return (hasEqualBytes && m_pData[m_nLen] == '\0' && other.m_pData[m_nLen] == '\0') ||
+           std::strcmp(m_pData, other.m_pData) == 0;
 }
 
 int CQSString::CompareNoCase(CQSString& other) const
@@ -259,7 +253,7 @@ int CQSString::Find(const char* lpszSub, int nStart) const
     if (!OrvoAssert(lpszSub != nullptr, "lpszSub != NULL", Source) || start >= m_nLen) {
         return -1;
     }
-    return IndexOrNone(View(*this).find(lpszSub, static_cast<std::size_t>(start)));
+    return IndexOrNone(FindText<char>(View(*this), lpszSub, static_cast<std::size_t>(start)));
 }
 
 int CQSString::Find(const char* lpszSub) const

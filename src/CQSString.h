@@ -2,20 +2,19 @@
 
 #include "OrvoExport.h"
 
-#include <cstddef>
-
 class CQWString;
 
 /// Counted byte string: ASCII, UTF-8 or arbitrary bytes, zero bytes included.
 ///
 /// The string owns a buffer of exactly its length + 1 bytes, the last one zero. There is no
 /// spare capacity and no sharing: every change of length makes a fresh buffer, and clients
-/// tell one content from another by the address of the buffer. Do not add a reserve.
+/// tell one content from another by the address of the buffer. Do not add a reserve. All this
+/// holds but for FilterInvisibleChar(), which shortens the text within its buffer.
 ///
 /// Arguments may lie in the string's own buffer; the operation behaves as if they had been
 /// copied first. Null data is tolerated and ignored where nothing else is said.
 ///
-/// When memory cannot be had, or a length would pass 2^31 - 1, an operation that makes a new
+/// When memory cannot be had, or a length would reach 2^31 - 1, an operation that makes a new
 /// buffer leaves an empty string and returns 0; the conversions from CQWString, the trims,
 /// Replace() and ToHexString() leave the string unchanged. Nothing here throws.
 ///
@@ -30,8 +29,8 @@ public:
     CQSString(int nLen);
     /// A copy with a buffer of its own.
     CQSString(const CQSString& other);
-    /// Takes over the buffer of \a other, which is left empty. There is no move assignment:
-    /// assigning an empty string keeps the target's contents, see operator=().
+    /// What the copy would be, in the buffer of \a other, which is left empty. There is no move
+    /// assignment: assigning an empty string keeps the target's contents, see operator=().
     CQSString(CQSString&& other) noexcept;
     /// The UTF-8 form of \a other, up to its first zero unit. Characters beyond U+FFFF are kept,
     /// unlike in the assignment, and a pair of surrogate units is one of them; other surrogates
@@ -90,7 +89,8 @@ public:
     int GetLength() const;
     /// Whether the length is 0.
     bool IsEmpty() const;
-    /// The bytes, zero-terminated; null when there is no buffer. Valid until the next change.
+    /// The bytes, zero-terminated but for FilterInvisibleChar(); null when there is no buffer.
+    /// Valid until the next change.
     /// @{
     const char* GetDataPtr() const;
     operator const char*() const;
@@ -105,11 +105,18 @@ public:
 
     // Comparing
 
-    /// Compares as C strings: negative, 0 or positive. -1 when either side is null.
+    /// Compares as C strings: what stands behind a zero byte does not count. Negative, 0 or
+    /// positive; -1 when either side is null.
     int Compare(const char* lpszStr) const;
     /// True when Compare() gives 0. So two strings without buffers are not equal; callers rely
     /// on an unset string equalling nothing.
+    ///
+    /// Only strings are compared so: `s == "text"` compares addresses, since a string is also a
+    /// pointer to its bytes. Write `s.Compare("text") == 0`.
+    /// @{
     bool operator==(const CQSString& other) const;
+    bool operator!=(const CQSString& other) const { return !(*this == other); }
+    /// @}
     /// 0 when equal but for the case of ASCII letters, else -1: there is no order. -1 when this
     /// string has no buffer or the C string is null.
     /// @{
@@ -241,17 +248,7 @@ public:
     void ToHashString(CQSString& out) const;
 
 private:
-    // Zero-terminated room for nLen bytes, otherwise not filled; null without memory.
-    static char* NewBuffer(long long nLen);
-    static char* NewCopy(const char* pData, long long nLen);
-    // Replaces the buffer and returns 1; null empties the string, 0. New buffers are made before
-    // the old one goes: arguments may lie in it, and clients see that the address has changed.
-    int Adopt(char* pFresh, long long nLen);
-    int Append(const char* pData, long long nLen);
-    void KeepRange(std::size_t nStartPos, std::size_t nEndPos);
-    bool AssertText() const;
-    bool AssertNumber() const;
-    int SetHexUnits(const char* pText, int nLen);
+    friend struct CQSStringBuffer;
 
     char* m_pData; // m_nLen + 1 bytes from array new, or null
     int m_nLen;

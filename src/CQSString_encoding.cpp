@@ -2,6 +2,7 @@
 
 #include "CQSString.h"
 
+#include "CQSStringBuffer.h"
 #include "CQWString.h"
 #include "CStrConvertor.h"
 #include "Utf8Unit.h"
@@ -48,7 +49,7 @@ CQSString::CQSString(const CQWString& other) : CQSString()
     for (const wchar_t* p = begin; p != end;) {
         size += Utf8UnitSize(NextCodePoint(p, end));
     }
-    char* const pFresh = NewBuffer(size);
+    char* const pFresh = CQSStringBuffer::New(size);
     if (pFresh == nullptr) {
         return;
     }
@@ -56,7 +57,7 @@ CQSString::CQSString(const CQWString& other) : CQSString()
     for (const wchar_t* p = begin; p != end;) {
         out = PutUtf8Unit(out, NextCodePoint(p, end));
     }
-    Adopt(pFresh, size);
+    CQSStringBuffer::Adopt(*this, pFresh, size);
 }
 
 int CQSString::SetData(const CQWString* pStr)
@@ -68,13 +69,13 @@ int CQSString::SetData(const CQWString* pStr)
     if (size == 0) {
         return 1;
     }
-    char* const pFresh = NewBuffer(size);
+    char* const pFresh = CQSStringBuffer::New(size);
     if (pFresh == nullptr) {
         return 0;
     }
     int capacity = static_cast<int>(size);
     CStrConvertor::Unicode2Utf8(pFresh, capacity, pStr->GetDataPtr(), pStr->GetLength());
-    return Adopt(pFresh, size);
+    return CQSStringBuffer::Adopt(*this, pFresh, size);
 }
 
 CQSString& CQSString::operator=(const CQWString& other)

@@ -3,6 +3,7 @@
 
 #include "CQSString.h"
 
+#include "CQSStringBuffer.h"
 #include "OrvoAssert.h"
 #include "TextUnits.h"
 
@@ -62,14 +63,50 @@ std::uint32_t HashOf(std::string_view text)
     return h;
 }
 
+// The assertions report the line of the operation that asks.
+bool AssertText(const CQSString& s, int line = __builtin_LINE())
+{
+    const bool hasText = s.GetDataPtr() != nullptr && s.GetLength() > 0;
+    return OrvoAssert(hasText, "m_pData != NULL && m_nLen > 0", Source, line);
+}
+
+bool AssertNumber(const CQSString& s, int line = __builtin_LINE())
+{
+    const bool hasBuffer = OrvoAssert(s.GetDataPtr() != nullptr, "m_pData != NULL", Source, line);
+    const bool hasBytes = OrvoAssert(s.GetLength() > 0, "m_nLen > 0", Source, line);
+    return hasBuffer && hasBytes;
+}
+
+void KeepRange(CQSString& s, std::size_t nStartPos, std::size_t nEndPos)
+{
+    if (nStartPos >= nEndPos) {
+        s.Empty();
+        return;
+    }
+    const auto nKept = static_cast<std::int64_t>(nEndPos - nStartPos);
+    char* const pFresh = CQSStringBuffer::NewCopy(s.GetDataPtr() + nStartPos, nKept);
+    if (pFresh != nullptr) {
+        CQSStringBuffer::Adopt(s, pFresh, nKept);
+    }
+}
+
+int SetHexUnits(CQSString& s, const char* pText, int nLen)
+{
+    const std::int64_t nUnitBytes = std::int64_t{2} * nLen;
+    char* const pFresh = CQSStringBuffer::New(nUnitBytes);
+    if (pFresh == nullptr) {
+        return 0;
+    }
+    for (std::ptrdiff_t i = 0; i < nLen; ++i) {
+        pFresh[2 * i] = '\0';
+        pFresh[2 * i + 1] = HexDigit(pText[i]) >= 0 ? AsciiUpper(pText[i]) : pText[i];
+    }
+    return CQSStringBuffer::Adopt(s, pFresh, nUnitBytes);
+}
+
 } // namespace
 
 // Substrings
-
-bool CQSString::AssertText() const
-{
-    return OrvoAssert(m_pData != nullptr && m_nLen > 0, "m_pData != NULL && m_nLen > 0", Source);
-}
 
 void CQSString::GetSubString(CQSString& out, int nFirst, int nCount) const
 {
@@ -82,7 +119,7 @@ void CQSString::GetSubString(CQSString& out, int nFirst, int nCount) const
 int CQSString::GetSubString(CQSString& out, const char* lpszStart, const char* lpszEnd, int nStart,
                             bool bKeepStart, bool bKeepEnd) const
 {
-    if (!AssertText() || lpszStart == nullptr || lpszEnd == nullptr) {
+    if (!AssertText(*this) || lpszStart == nullptr || lpszEnd == nullptr) {
         return -1;
     }
     return CopyBetween(*this, out, lpszStart, lpszEnd, nStart, bKeepStart, bKeepEnd);
@@ -91,7 +128,7 @@ int CQSString::GetSubString(CQSString& out, const char* lpszStart, const char* l
 int CQSString::GetSubString(CQSString& out, char cStart, char cEnd, int nStart, bool bKeepStart,
                             bool bKeepEnd) const
 {
-    if (!AssertText()) {
+    if (!AssertText(*this)) {
         return -1;
     }
     return CopyBetween(*this, out, {&cStart, 1}, {&cEnd, 1}, nStart, bKeepStart, bKeepEnd);
@@ -107,30 +144,17 @@ int CQSString::FindFirstValidChar(int nStart) const
 
 // Trimming
 
-void CQSString::KeepRange(std::size_t nStartPos, std::size_t nEndPos)
-{
-    if (nStartPos >= nEndPos) {
-        Empty();
-        return;
-    }
-    const auto nKept = static_cast<long long>(nEndPos - nStartPos);
-    char* const pFresh = NewCopy(m_pData + nStartPos, nKept);
-    if (pFresh != nullptr) {
-        Adopt(pFresh, nKept);
-    }
-}
-
 void CQSString::TrimLeft()
 {
     if (m_nLen > 0) {
-        KeepRange(View(*this).find_first_not_of(Blanks), static_cast<std::size_t>(m_nLen));
+        KeepRange(*this, View(*this).find_first_not_of(Blanks), static_cast<std::size_t>(m_nLen));
     }
 }
 
 void CQSString::TrimRight()
 {
     if (m_nLen > 0) {
-        KeepRange(0, View(*this).find_last_not_of(Blanks) + 1);
+        KeepRange(*this, 0, View(*this).find_last_not_of(Blanks) + 1);
     }
 }
 
@@ -142,7 +166,7 @@ void CQSString::TrimRightAndLeft()
     const std::size_t nStartPos = View(*this).find_first_not_of(Blanks);
     const std::size_t nEndPos = View(*this).find_last_not_of(Blanks) + 1;
     OrvoAssert(nEndPos >= nStartPos || nEndPos == 0, "nEndPos >= nStartPos", Source);
-    KeepRange(nStartPos, nEndPos);
+    KeepRange(*this, nStartPos, nEndPos);
 }
 
 void CQSString::TrimLeft(int n, CQSString& out) const
@@ -174,7 +198,7 @@ void CQSString::TrimRightAndLeft(int nLeft, int nRight, CQSString& out) const
 
 void CQSString::MakeUpper()
 {
-    if (AssertText()) {
+    if (AssertText(*this)) {
         std::transform(m_pData, m_pData + m_nLen, m_pData, Latin1Upper);
     }
 }
@@ -205,7 +229,8 @@ int CQSString::Replace(const char* lpszOld, const char* lpszNew)
     if (oldText.empty() || newText == oldText || newText.size() > INT_MAX) {
         return 0;
     }
-    const int count = CountOccurrences(text, oldText);
+    const Occurrences places(text, oldText);
+    const int count = places.GetCount();
     if (count == 0) {
         return 0;
     }
@@ -216,12 +241,12 @@ int CQSString::Replace(const char* lpszOld, const char* lpszNew)
         Empty();
         return count;
     }
-    char* const pFresh = NewBuffer(newLength);
+    char* const pFresh = CQSStringBuffer::New(newLength);
     if (pFresh == nullptr) {
         return 0;
     }
-    const auto nDstStart = PutReplaced(pFresh, text, oldText, newText) - pFresh;
-    Adopt(pFresh, newLength);
+    const auto nDstStart = places.PutReplaced(pFresh, newText) - pFresh;
+    CQSStringBuffer::Adopt(*this, pFresh, newLength);
     OrvoAssert(m_nLen == nDstStart, "m_nLen == nDstStart", Source);
     return count;
 }
@@ -291,26 +316,19 @@ void CQSString::UToString(unsigned int n)
     SetData(text);
 }
 
-bool CQSString::AssertNumber() const
-{
-    const bool hasBuffer = OrvoAssert(m_pData != nullptr, "m_pData != NULL", Source);
-    const bool hasBytes = OrvoAssert(m_nLen > 0, "m_nLen > 0", Source);
-    return hasBuffer && hasBytes;
-}
-
 int CQSString::ToINT() const
 {
-    return AssertNumber() ? SignedTrailingNumber(View(*this), 10) : -1;
+    return AssertNumber(*this) ? SignedTrailingNumber(View(*this), 10) : -1;
 }
 
 unsigned int CQSString::ToUINT() const
 {
-    return AssertNumber() ? TrailingNumber(View(*this), 10) : 0U;
+    return AssertNumber(*this) ? TrailingNumber(View(*this), 10) : 0U;
 }
 
 int CQSString::ToHEX() const
 {
-    if (!AssertNumber()) {
+    if (!AssertNumber(*this)) {
         return -1;
     }
     std::uint32_t value = 0;
@@ -323,20 +341,6 @@ int CQSString::ToHEX() const
     return static_cast<int>(value);
 }
 
-int CQSString::SetHexUnits(const char* pText, int nLen)
-{
-    const long long nUnitBytes = 2LL * nLen;
-    char* const pFresh = NewBuffer(nUnitBytes);
-    if (pFresh == nullptr) {
-        return 0;
-    }
-    for (std::ptrdiff_t i = 0; i < nLen; ++i) {
-        pFresh[2 * i] = '\0';
-        pFresh[2 * i + 1] = HexDigit(pText[i]) >= 0 ? AsciiUpper(pText[i]) : pText[i];
-    }
-    return Adopt(pFresh, nUnitBytes);
-}
-
 int CQSString::ToHexString()
 {
     // Callers rely on the first byte alone deciding.
@@ -345,12 +349,12 @@ int CQSString::ToHexString()
         return 0;
     }
     if (first >= 10) {
-        return SetHexUnits(m_pData, m_nLen);
+        return SetHexUnits(*this, m_pData, m_nLen);
     }
     char text[16];
     const char* const end =
         std::to_chars(text, text + sizeof text, WholeDecimal(View(*this)), 16).ptr;
-    return SetHexUnits(text, static_cast<int>(end - text));
+    return SetHexUnits(*this, text, static_cast<int>(end - text));
 }
 
 unsigned int CQSString::GetHashCode(CQSString& s)

@@ -13,6 +13,10 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
+
+#include <pthread.h>
+#include <unistd.h>
 
 using ActiveList = QList<CQActive*>;
 
@@ -53,8 +57,8 @@ Q_COREAPP_STARTUP_FUNCTION(OnApplicationStart)
 namespace
 {
 
-// How long exit() waits for a run that does not end, for example one that waits for the
-// thread that called exit().
+// How long exit() waits in all for a run that does not end, for example one that waits for
+// the thread that called exit().
 constexpr std::chrono::seconds exitPatience{2};
 
 std::atomic<int> workersAwake{0};
@@ -91,10 +95,70 @@ void AwaitWorkers()
     processEnds = true;
     // RunL() itself may have called exit().
     const int awakeAtLeast = isAwakeWorker ? 1 : 0;
-    const auto deadline = std::chrono::steady_clock::now() + exitPatience;
+    // One deadline for all the waits of the process.
+    static const auto deadline = std::chrono::steady_clock::now() + exitPatience;
     while (workersAwake > awakeAtLeast && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
+}
+
+struct MainThreadEnd {
+    ~MainThreadEnd() { AwaitWorkers(); }
+};
+
+// Registered twice. What Qt makes when it is first needed, its locale data for one, is destroyed
+// before atexit() comes to what was registered earlier; an object of the thread that calls exit()
+// is destroyed before any static one. A thread other than the main one has no such object: it may
+// end while the process goes on.
+void AwaitWorkersAtExit()
+{
+    [[maybe_unused]] static const int registered = std::atexit(AwaitWorkers);
+    if (gettid() == getpid()) {
+        [[maybe_unused]] thread_local const MainThreadEnd mainThreadEnd;
+    }
+}
+
+} // namespace
+
+// A forked child, which has the forking thread alone. All locks are held over the fork, so that
+// the child inherits none from a thread that it does not have, nor those of Qt inside a post.
+namespace
+{
+
+// Of all workers, and never destroyed, as they are not.
+std::vector<QMutex*>& ListMutexes()
+{
+    static auto& mutexes = *new std::vector<QMutex*>;
+    return mutexes;
+}
+
+void LockAll()
+{
+    noticeMutex.lock();
+    for (QMutex* mutex : ListMutexes()) {
+        mutex->lock();
+    }
+}
+
+void UnlockAll()
+{
+    for (QMutex* mutex : ListMutexes()) {
+        mutex->unlock();
+    }
+    noticeMutex.unlock();
+}
+
+void BeginChild()
+{
+    workersAwake = isAwakeWorker ? 1 : 0;
+    UnlockAll();
+}
+
+void LockOverForks(QMutex* mutex)
+{
+    [[maybe_unused]] static const int registered = pthread_atfork(LockAll, UnlockAll, BeginChild);
+    const std::lock_guard lock(noticeMutex);
+    ListMutexes().push_back(mutex);
 }
 
 } // namespace
@@ -124,7 +188,8 @@ CQSchedulerInstance::CQSchedulerInstance(QObject* receiver)
     : m_pLists{new ActiveList, new ActiveList, new ActiveList, new ActiveList, new ActiveList},
       m_pMutex(new QMutex), m_pReceiver(receiver)
 {
-    [[maybe_unused]] static const int registered = std::atexit(AwaitWorkers);
+    LockOverForks(m_pMutex);
+    AwaitWorkersAtExit();
 }
 
 CQSchedulerInstance::~CQSchedulerInstance() = default;
@@ -149,18 +214,13 @@ void CQSchedulerInstance::RunActiveList(QList<CQActive*>* list)
     }
     ActiveList::size_type nNext = 0;
     while (CQActive* const active = NextReady(*list, m_pMutex, nNext)) {
-        Run(active);
+        active->RunL(__atomic_load_n(&active->m_nStatus, __ATOMIC_RELAXED));
+        // exit() may have given up waiting for this run, and the object be gone.
+        ParkIfProcessEnds();
+        // Lowered whoever raised it meanwhile; publishes what the run wrote to IsReady().
+        __atomic_store_n(&active->m_nReady, 0, __ATOMIC_RELEASE);
+        PostNotice(m_pReceiver, std::make_unique<CQSchedulerEvent>(active));
     }
-}
-
-void CQSchedulerInstance::Run(CQActive* active)
-{
-    active->RunL(__atomic_load_n(&active->m_nStatus, __ATOMIC_RELAXED));
-    // exit() may have given up waiting for this run, and the object be gone.
-    ParkIfProcessEnds();
-    // Lowered whoever raised it meanwhile; publishes what the run wrote to IsReady().
-    __atomic_store_n(&active->m_nReady, 0, __ATOMIC_RELEASE);
-    PostNotice(m_pReceiver, std::make_unique<CQSchedulerEvent>(active));
 }
 
 void CQSchedulerInstance::run()

@@ -35,8 +35,6 @@ protected:
     void run() override;
 
 private:
-    void Run(CQActive* active);
-
     QList<CQActive*>* m_pLists[5]; // by priority
     QMutex* m_pMutex;              // guards the lists, not the objects in them
     QObject* m_pReceiver;

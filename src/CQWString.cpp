@@ -2,12 +2,12 @@
 
 #include "OrvoAssert.h"
 #include "TextUnits.h"
+#include "WideStore.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstring>
 #include <cwchar>
-#include <new>
 #include <utility>
 
 namespace
@@ -15,13 +15,11 @@ namespace
 
 constexpr char Source[] = "src/CQWString";
 
-// A buffer has to fit a 32-bit host, so that every host refuses the same lengths.
-constexpr qint64 MaxCapacity = INT_MAX / sizeof(wchar_t) - 1;
-
-bool AssertIndex(int nIndex, int nLen)
+// Reports the line of the operation.
+bool AssertIndex(int nIndex, int nLen, int nLine = __builtin_LINE())
 {
-    return OrvoAssert(nIndex >= 0, "nIndex >= 0", Source) &&
-           OrvoAssert(nIndex < nLen, "nIndex < m_nDataLen", Source);
+    return OrvoAssert(nIndex >= 0, "nIndex >= 0", Source, nLine) &&
+           OrvoAssert(nIndex < nLen, "nIndex < m_nDataLen", Source, nLine);
 }
 
 } // namespace
@@ -38,11 +36,16 @@ CQWString::CQWString(const CQWString& other) : CQWString()
     *this = other;
 }
 
-CQWString::CQWString(CQWString&& other) noexcept
-    : m_pData(std::exchange(other.m_pData, nullptr)),
-      m_nDataLen(std::exchange(other.m_nDataLen, 0)), m_nMAXLen(std::exchange(other.m_nMAXLen, 0)),
-      m_pUtf16(nullptr)
+// A buffer with a reserve stays: what is moved to looks like a copy, whose buffer is exact.
+CQWString::CQWString(CQWString&& other) noexcept : CQWString()
 {
+    if (other.m_nMAXLen != other.m_nDataLen) {
+        *this = other;
+        return;
+    }
+    m_pData = std::exchange(other.m_pData, nullptr);
+    m_nDataLen = std::exchange(other.m_nDataLen, 0);
+    m_nMAXLen = std::exchange(other.m_nMAXLen, 0);
 }
 
 CQWString::~CQWString()
@@ -51,47 +54,6 @@ CQWString::~CQWString()
 }
 
 // Storage
-
-CQWString::Units CQWString::NewUnits(qint64 nCapacity)
-{
-    if (nCapacity > MaxCapacity) {
-        return nullptr;
-    }
-    return Units(new (std::nothrow) wchar_t[static_cast<std::size_t>(nCapacity) + 1]());
-}
-
-qint64 CQWString::CapacityFor(qint64 nLen) const
-{
-    if (m_nMAXLen == 0) {
-        return nLen;
-    }
-    return nLen <= 512 ? nLen * 2 : nLen + 512;
-}
-
-// Makes room for nLen units, at least one, and carries the first nKeep over. A replaced buffer
-// goes to the caller, so that an argument that lies in it outlives the growth. False without
-// memory; the string then has no buffer.
-bool CQWString::MakeRoom(qint64 nLen, int nKeep, Units& replaced)
-{
-    if (nLen <= m_nMAXLen) {
-        return true;
-    }
-    const qint64 nCapacity = CapacityFor(nLen);
-    Units fresh = NewUnits(nCapacity);
-    replaced.reset(m_pData);
-    m_pData = fresh.release();
-    if (m_pData == nullptr) {
-        m_nDataLen = 0;
-        m_nMAXLen = 0;
-        return false;
-    }
-    if (nKeep > 0) {
-        std::wmemcpy(m_pData, replaced.get(), static_cast<std::size_t>(nKeep));
-    }
-    m_nDataLen = nKeep;
-    m_nMAXLen = static_cast<int>(nCapacity);
-    return true;
-}
 
 void CQWString::AllocBuffer(int nLen)
 {
@@ -102,7 +64,7 @@ void CQWString::AllocBuffer(int nLen)
     if (nLen == 0) {
         return;
     }
-    m_pData = NewUnits(nLen).release();
+    m_pData = WideStore::New(nLen, 0).release();
     m_nMAXLen = m_pData == nullptr ? 0 : nLen;
 }
 
@@ -118,8 +80,8 @@ int CQWString::PrepareBufferToWrite(int nLen)
     if (nLen <= m_nMAXLen) {
         return 0;
     }
-    Units replaced;
-    return MakeRoom(nLen, m_nDataLen, replaced) ? 1 : 0;
+    WideStore::Units replaced;
+    return WideStore::MakeRoom(*this, nLen, m_nDataLen, m_nDataLen, replaced) ? 1 : 0;
 }
 
 void CQWString::SetStrEnding(int nLen)
@@ -169,54 +131,20 @@ void CQWString::AllocCopy(CQWString& dest, int nCopyLen, int nCopyIndex) const
 
 // Setting
 
-// Store() and Append() take their units at any alignment and from within the own buffer.
-int CQWString::Store(const void* pUnits, qint64 nLen)
-{
-    Units replaced;
-    if (!MakeRoom(nLen, 0, replaced)) {
-        return 0;
-    }
-    std::memmove(m_pData, pUnits, static_cast<std::size_t>(nLen) * sizeof(wchar_t));
-    SetStrEnding(static_cast<int>(nLen));
-    return 1;
-}
-
-int CQWString::Append(const void* pUnits, qint64 nLen)
-{
-    Units replaced;
-    const qint64 nNewLen = m_nDataLen + nLen;
-    if (!MakeRoom(nNewLen, m_nDataLen, replaced)) {
-        return 0;
-    }
-    std::memmove(m_pData + m_nDataLen, pUnits, static_cast<std::size_t>(nLen) * sizeof(wchar_t));
-    SetStrEnding(static_cast<int>(nNewLen));
-    return 1;
-}
-
-// Counted data is text all the same: it ends at its first zero unit.
-int CQWString::StoreCut(const void* pUnits, int nLen)
-{
-    if (pUnits == nullptr || nLen < 1 || Store(pUnits, nLen) == 0) {
-        return 0;
-    }
-    m_nDataLen = SafeStrlen(m_pData);
-    return 1;
-}
-
 int CQWString::SetData(const wchar_t* pData, int nLen)
 {
-    return StoreCut(pData, nLen);
+    return WideStore::SetCut(*this, pData, nLen);
 }
 
 int CQWString::SetData(unsigned char* pData, int nLen)
 {
-    return StoreCut(pData, nLen);
+    return WideStore::SetCut(*this, pData, nLen);
 }
 
 int CQWString::SetData(const wchar_t* lpszStr)
 {
     const int nLen = SafeStrlen(lpszStr);
-    return nLen < 1 ? 0 : Store(lpszStr, nLen);
+    return nLen < 1 ? 0 : WideStore::Set(*this, lpszStr, nLen);
 }
 
 CQWString& CQWString::operator=(const CQWString& other)
@@ -227,7 +155,7 @@ CQWString& CQWString::operator=(const CQWString& other)
     if (other.IsEmpty()) {
         Empty();
     } else {
-        Store(other.m_pData, other.m_nDataLen);
+        WideStore::Set(*this, other.m_pData, other.m_nDataLen);
     }
     return *this;
 }
@@ -237,17 +165,17 @@ CQWString& CQWString::operator=(const CQWString& other)
 int CQWString::AppendData(const wchar_t* lpszStr)
 {
     const int nLen = SafeStrlen(lpszStr);
-    return nLen < 1 ? 0 : Append(lpszStr, nLen);
+    return nLen < 1 ? 0 : WideStore::Put(*this, m_nDataLen, lpszStr, nLen);
 }
 
 int CQWString::AppendData(unsigned char* pData, int nLen)
 {
-    return pData == nullptr || nLen < 1 ? 0 : Append(pData, nLen);
+    return pData == nullptr || nLen < 1 ? 0 : WideStore::Put(*this, m_nDataLen, pData, nLen);
 }
 
 int CQWString::AppendChar(wchar_t c)
 {
-    return Append(&c, 1);
+    return WideStore::Put(*this, m_nDataLen, &c, 1);
 }
 
 // Access
@@ -279,7 +207,7 @@ wchar_t CQWString::GetAt(int nIndex) const
 
 wchar_t CQWString::operator[](int nIndex) const
 {
-    return GetAt(nIndex);
+    return AssertIndex(nIndex, m_nDataLen) ? m_pData[nIndex] : L'\0';
 }
 
 void CQWString::SetAt(int nIndex, wchar_t c)
@@ -302,6 +230,11 @@ int CQWString::Compare(const wchar_t* lpszStr) const
 bool CQWString::operator==(const CQWString& other) const
 {
     return Compare(other.m_pData) == 0;
+}
+
+bool CQWString::operator!=(const CQWString& other) const
+{
+    return !(*this == other);
 }
 
 int CQWString::CompareNoCase(const wchar_t* lpszStr) const
@@ -329,7 +262,8 @@ int CQWString::Find(const wchar_t* lpszSub, int nStart) const
     if (!OrvoAssert(lpszSub != nullptr, "lpszSub != NULL", Source) || start >= m_nDataLen) {
         return -1;
     }
-    return IndexOrNone(View(*this).find(lpszSub, static_cast<std::size_t>(start)));
+    return IndexOrNone(
+        FindText(View(*this), std::wstring_view(lpszSub), static_cast<std::size_t>(start)));
 }
 
 int CQWString::Find(const wchar_t* lpszSub) const

@@ -3,34 +3,42 @@
 #include "OrvoExport.h"
 
 #include <QString>
-#include <QStringView>
-
-#include <memory>
-#include <string_view>
 
 class CQSString;
+struct WideStore;
 
 /// Counted, zero-terminated text of 32-bit `wchar_t` units, one code point a unit: the form in
 /// which visible text, names and paths travel.
 ///
 /// Unlike CQSString it keeps a capacity beside its length. The first buffer is exact; later ones
 /// are made for twice the requested length up to 512 units and for 512 units more than
-/// requested above that. Only Destroy(), AllocBuffer() and PrepareBufferToWrite(0) release the
-/// buffer: Empty() keeps it. Copies never share.
+/// requested above that, so appending a unit at a time costs the square of the length beyond 512
+/// units. Only Destroy(), AllocBuffer() and PrepareBufferToWrite(0) release the buffer: Empty()
+/// keeps it. Copies never share.
+///
+/// Text that is set ends at its first zero unit, also when it is counted; only appended units,
+/// copies of another CQWString and CQWString(const QString&) keep zero units inside.
 ///
 /// Arguments may lie in the string's own buffer; the operation behaves as if they had been
-/// copied first. Null data is tolerated and ignored where nothing else is said.
+/// copied first. Null data is tolerated and ignored where nothing else is said. "Unchanged" means
+/// the buffer and its capacity too.
 ///
-/// When memory cannot be had, an operation that makes a new buffer leaves a string without one
-/// and returns 0; trims and replacements leave the string unchanged. Only the operations that
-/// go through QString may throw `std::bad_alloc`.
+/// Nothing throws. When memory cannot be had, an operation that makes a new buffer leaves a string
+/// without one and returns 0; setters that decode, trims and replacements whose first step fails
+/// leave the string unchanged, and case mapping needs no memory.
+///
+/// `s == L"text"` compares addresses, because either side turns into a pointer; write
+/// `s.Compare(L"text") == 0`.
 ///
 /// A plain value: one object must not be used from two threads at once.
 class ORVO_EXPORT CQWString
 {
 public:
     /// Selects what ToNum() parses.
-    enum enNumType : int { enHexNum = 0, enDecNum = 1 };
+    enum enNumType : int {
+        enHexNum = 0, ///< Hexadecimal digits.
+        enDecNum = 1, ///< Decimal digits.
+    };
 
     /// An empty string without a buffer.
     CQWString();
@@ -39,14 +47,16 @@ public:
     CQWString(int nLen);
     /// A copy with a buffer of exactly its length; without one for an empty \a other.
     CQWString(const CQWString& other);
-    /// Takes over the buffer of \a other, which is left without one. There is no move
-    /// assignment: assigning an empty string keeps the target's buffer, see operator=().
+    /// Looks exactly like the copy: takes over the buffer of \a other, which is left without one,
+    /// only where it is exact, and copies otherwise. There is no move assignment: assigning an
+    /// empty string keeps the target's buffer, see operator=().
     CQWString(CQWString&& other) noexcept;
     /// The text of \a str in 32-bit units. The length is the count of UTF-16 units in \a str,
     /// also where surrogate pairs made fewer wide units; the surplus units are zero.
     CQWString(const QString& str);
     /// The UTF-8 text of \a other, up to its first zero byte, in correct 32-bit units, unlike the
-    /// assignment. A text of nothing but a byte-order mark gives the assignment's result.
+    /// assignment. A byte-order mark at the start is left out; a text of nothing else gives the
+    /// assignment's result. Each byte that belongs to no well-formed sequence becomes U+FFFD.
     CQWString(const CQSString& other);
     virtual ~CQWString();
 
@@ -105,7 +115,8 @@ public:
     /// null, for a length of 0 or below, for an empty text and for one with characters above
     /// U+FFFF.
     int SetUTF8Data(const unsigned char* pData, int nLen);
-    /// The same from \a nLen 16-bit units (not bytes) of UTF-16 in host order, at any alignment.
+    /// The same from \a nLen 16-bit units (not bytes) of UTF-16, at any alignment, in host order
+    /// unless a byte-order mark says otherwise. The mark is left out, here and in SetUTF8Data().
     int SetUTF16Data(const unsigned char* pData, int nLen);
     /// As SetUTF8Data(), but 1 also when the text was refused; 0 only for null and a length below
     /// 1.
@@ -154,6 +165,8 @@ public:
     /// True when Compare() gives 0. Two strings without buffers are equal, unlike with CQSString;
     /// one emptied by Empty() does not equal one that never had a buffer.
     bool operator==(const CQWString& other) const;
+    /// The negation of operator==().
+    bool operator!=(const CQWString& other) const;
     /// 0 when equal but for the case of ASCII letters, else -1: there is no order. -1 when either
     /// side is null.
     int CompareNoCase(const wchar_t* lpszStr) const;
@@ -201,8 +214,9 @@ public:
     /// Removes line feeds, carriage returns, spaces and tabs at both ends. A text of blanks only
     /// is emptied; the buffer always stays.
     void TrimRightAndLeft();
-    /// Maps the case by the full Unicode rules. The length stays: a longer result is cut to it, a
-    /// shorter one leaves zero units behind it. An empty string asserts
+    /// Maps the case by the full Unicode rules. The length stays: a longer result is cut to it. A
+    /// surrogate pair in two units becomes its character in one, and zero units fill up the end.
+    /// Units that are no code point stay. An empty string asserts
     /// "m_pData != NULL && m_nDataLen > 0".
     /// @{
     void MakeUpper();
@@ -248,28 +262,14 @@ public:
     /// Value of the hexadecimal digits at the end of the text, modulo 2^32; negated when the first
     /// unit is '-'. Unlike the byte string's, it stops at the first foreign unit.
     int ToHEX() const;
-    /// ToHEX() for #enHexNum, ToINT() for #enDecNum, else -1.
+    /// ToHEX() for CQWString::enHexNum, ToINT() for CQWString::enDecNum, else -1.
     int ToNum(enNumType eType) const;
     /// The last decimal digits of the UTF-8 bytes of \a s, read as one decimal number modulo
     /// 2^32. 0 for an empty text or without memory.
     static int EncryptStrToInt(CQWString& s);
 
 private:
-    using Units = std::unique_ptr<wchar_t[]>;
-
-    static Units NewUnits(qint64 nCapacity);
-    qint64 CapacityFor(qint64 nLen) const;
-    bool MakeRoom(qint64 nLen, int nKeep, Units& replaced);
-    int Store(const void* pUnits, qint64 nLen);
-    int StoreCut(const void* pUnits, int nLen);
-    int StorePacked(const char* lpszUtf8, int nLen);
-    int Load(QStringView text);
-    int Append(const void* pUnits, qint64 nLen);
-
-    int ReplaceAll(std::wstring_view oldText, std::wstring_view newText);
-    void StoreMapped(const QString& mapped, std::wstring_view opaque);
-    bool AssertText() const;
-    bool AssertNumber() const;
+    friend struct WideStore;
 
     wchar_t* m_pData; // m_nMAXLen + 1 units from array new, or null
     int m_nDataLen;

@@ -3,24 +3,19 @@
 #include "CQSString.h"
 #include "CStrConvertor.h"
 #include "TextUnits.h"
+#include "Utf16Unit.h"
+#include "Utf8Text.h"
+#include "WideStore.h"
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <new>
-#include <string>
 
 namespace
 {
 
-constexpr quint32 FirstSupplementary = 0x10000;
-
-bool NeedsPair(wchar_t c)
-{
-    const auto unit = static_cast<quint32>(c);
-    return unit >= FirstSupplementary && unit <= QChar::LastValidCodePoint;
-}
-
-bool HasPairs(const QString& text)
+bool HasPairs(QStringView text)
 {
     const auto isPair = [](QChar a, QChar b) { return a.isHighSurrogate() && b.isLowSurrogate(); };
     return std::adjacent_find(text.cbegin(), text.cend(), isPair) != text.cend();
@@ -38,35 +33,57 @@ std::unique_ptr<char[]> Terminated(const unsigned char* pData, int nLen)
     return copy;
 }
 
+// Sets the length to the count of UTF-16 units; what surrogate pairs leave over is zero.
+int Load(CQWString& s, QStringView text)
+{
+    WideStore::Units replaced;
+    const auto nLen = static_cast<int>(text.size());
+    if (nLen == 0 || !WideStore::MakeRoom(s, nLen, 0, 0, replaced)) {
+        return 0;
+    }
+    wchar_t* const pData = WideStore::Data(s);
+    std::fill(pData + text.toWCharArray(pData), pData + nLen, L'\0');
+    WideStore::End(s, nLen);
+    return 1;
+}
+
+// The count of 16-bit units is taken as one of wide units; the zeros behind the packed units
+// then end the text. The decoder goes by the terminator, which in a filtered byte string stands
+// far behind the length: the count can then exceed the wide units that there are.
+int StorePacked(CQWString& s, const char* lpszUtf8, int nLen)
+{
+    const int nRoom = nLen + 1;
+    const WideStore::Units scratch = WideStore::New(qint64{nLen} + 1, 0);
+    if (scratch == nullptr) {
+        return 0;
+    }
+    const int nUnits =
+        CStrConvertor::Utf82Unicode(scratch.get(), nRoom, const_cast<char*>(lpszUtf8), nLen);
+    return nUnits < 1 ? 1 : WideStore::SetCut(s, scratch.get(), std::min(nUnits, nRoom));
+}
+
+// Text that a setter has decoded to 32-bit units: refused with characters above U+FFFF, and cut at
+// the first zero.
+int StoreDecoded(CQWString& s, const wchar_t* pUnits, std::ptrdiff_t nLen, bool bBeyondBmp)
+{
+    const wchar_t* const pEnd = std::find(pUnits, pUnits + nLen, L'\0');
+    return bBeyondBmp || pEnd == pUnits ? 0 : WideStore::Set(s, pUnits, pEnd - pUnits);
+}
+
+char16_t ReadUtf16(const unsigned char* p, bool bSwapped)
+{
+    char16_t unit = 0;
+    std::memcpy(&unit, p, sizeof unit);
+    return bSwapped ? static_cast<char16_t>(unit << 8 | unit >> 8) : unit;
+}
+
 } // namespace
 
 // Platform strings
 
-// Sets the length to the count of UTF-16 units; what surrogate pairs leave over is zero.
-int CQWString::Load(QStringView text)
-{
-    Units replaced;
-    if (text.isEmpty() || !MakeRoom(text.size(), 0, replaced)) {
-        return 0;
-    }
-    static_cast<void>(text.toWCharArray(m_pData));
-    SetStrEnding(static_cast<int>(text.size()));
-    return 1;
-}
-
 CQWString::CQWString(const QString& str) : CQWString()
 {
-    Load(str);
-}
-
-CQWString::CQWString(const CQSString& other) : CQWString()
-{
-    const QString text = QString::fromUtf8(other.GetDataPtr());
-    if (text.isEmpty()) {
-        *this = other;
-    } else if (Load(text) != 0) {
-        m_nDataLen = SafeStrlen(m_pData);
-    }
+    Load(*this, str);
 }
 
 int CQWString::SetData(QString& str)
@@ -76,30 +93,15 @@ int CQWString::SetData(QString& str)
     }
     const auto nZero = str.indexOf(QChar(0));
     const QStringView text(str);
-    return Load(nZero < 0 ? text : text.left(nZero));
+    return Load(*this, nZero < 0 ? text : text.left(nZero));
 }
 
 // UTF-8 in the packed layout
 
-// The count of 16-bit units is taken as one of wide units; the zeros behind the packed units
-// then end the text. The decoder goes by the terminator, which in a filtered byte string stands
-// far behind the length: the count can then exceed the wide units that there are.
-int CQWString::StorePacked(const char* lpszUtf8, int nLen)
-{
-    const Units scratch = NewUnits(qint64{nLen} + 1);
-    if (scratch == nullptr) {
-        return 0;
-    }
-    const int nRoom = nLen + 1;
-    const int nUnits =
-        CStrConvertor::Utf82Unicode(scratch.get(), nRoom, const_cast<char*>(lpszUtf8), nLen);
-    return nUnits < 1 ? 1 : StoreCut(scratch.get(), std::min(nUnits, nRoom));
-}
-
 CQWString& CQWString::operator=(const CQSString& other)
 {
     if (!other.IsEmpty()) {
-        StorePacked(other.GetDataPtr(), other.GetLength());
+        StorePacked(*this, other.GetDataPtr(), other.GetLength());
     }
     return *this;
 }
@@ -110,7 +112,7 @@ int CQWString::SeASCIIData(const unsigned char* pData, int nLen)
         return 1;
     }
     const auto text = Terminated(pData, nLen);
-    return text == nullptr ? 0 : StorePacked(text.get(), nLen);
+    return text == nullptr ? 0 : StorePacked(*this, text.get(), nLen);
 }
 
 int CQWString::SetGBKByteData(const unsigned char* pData, int nLen)
@@ -120,24 +122,125 @@ int CQWString::SetGBKByteData(const unsigned char* pData, int nLen)
 
 // UTF-8 and UTF-16 in 32-bit units
 
+namespace
+{
+
+// Counts of a text if it is well-formed.
+struct TextCount {
+    qint64 nCharacters = 0;
+    qint64 nBeyondBmp = 0;
+};
+
+TextCount CountText(const unsigned char* p, const unsigned char* end)
+{
+    // In pieces whose counts fit 32 bits, so that the compiler vectorises the loop.
+    constexpr std::ptrdiff_t Piece = 1 << 20;
+    TextCount count;
+    while (p != end) {
+        const std::ptrdiff_t nSize = std::min(end - p, Piece);
+        unsigned nCharacters = 0;
+        unsigned nBeyondBmp = 0;
+        for (std::ptrdiff_t i = 0; i < nSize; ++i) {
+            nCharacters += (p[i] & 0xC0) != 0x80 ? 1U : 0U;
+            nBeyondBmp += p[i] >= 0xF0 ? 1U : 0U;
+        }
+        count.nCharacters += nCharacters;
+        count.nBeyondBmp += nBeyondBmp;
+        p += nSize;
+    }
+    return count;
+}
+
+// The text is stored twice by the rules, first packed and then as it is, with a count of UTF-16
+// units. Only the capacity tells of the first time.
+qint64 CapacityAfterBoth(qint64 nPacked, qint64 nUtf16)
+{
+    if (nPacked == 0 || nUtf16 <= nPacked) {
+        return std::max(nPacked, nUtf16);
+    }
+    return nUtf16 <= 512 ? nUtf16 * 2 : nUtf16 + 512;
+}
+
+} // namespace
+
+CQWString::CQWString(const CQSString& other) : CQWString()
+{
+    if (other.GetDataPtr() == nullptr) {
+        return;
+    }
+    const auto* const whole = reinterpret_cast<const unsigned char*>(other.GetDataPtr());
+    const unsigned char* const end = whole + std::strlen(other.GetDataPtr());
+    const unsigned char* const text = SkipByteOrderMark(whole, end);
+    if (text == end) {
+        *this = other;
+        return;
+    }
+    const qint64 nPackedRoom = other.IsEmpty() ? 0 : qint64{other.GetLength()} + 1;
+    // Decoded straight into its buffer when it turns out to be well-formed.
+    const TextCount count = CountText(text, end);
+    qint64 nLen = count.nCharacters;
+    qint64 nPacked = nLen - count.nBeyondBmp + (text == whole ? 0 : 1);
+    qint64 nCapacity = CapacityAfterBoth(std::min(nPacked, nPackedRoom), nLen + count.nBeyondBmp);
+    WideStore::Units units = WideStore::New(nCapacity, nLen);
+    if (units == nullptr) {
+        return;
+    }
+    if (!DecodeUtf8(units.get(), text, end, true).isWellFormed) {
+        const WideStore::Units scratch = WideStore::New(end - text, 0);
+        if (scratch == nullptr) {
+            return;
+        }
+        const DecodedUtf8 decoded = DecodeUtf8(scratch.get(), text, end, false);
+        nLen = decoded.end - scratch.get();
+        nPacked = std::min<qint64>(CountBmpUnits(whole, end), nPackedRoom);
+        nCapacity = CapacityAfterBoth(nPacked, nLen + decoded.beyondBmp);
+        units = WideStore::New(nCapacity, nLen);
+        if (units == nullptr) {
+            return;
+        }
+        std::copy(scratch.get(), decoded.end, units.get());
+    }
+    WideStore::Exchange(*this, std::move(units), nCapacity, static_cast<int>(nLen));
+}
+
 int CQWString::SetUTF8Data(const unsigned char* pData, int nLen)
 {
     if (pData == nullptr || nLen < 1) {
         return 0;
     }
-    QString text = QString::fromUtf8(reinterpret_cast<const char*>(pData), nLen);
-    return SetData(text);
+    const WideStore::Units scratch = WideStore::New(nLen, nLen);
+    if (scratch == nullptr) {
+        return 0;
+    }
+    const unsigned char* const end = pData + nLen;
+    const DecodedUtf8 decoded =
+        DecodeUtf8(scratch.get(), SkipByteOrderMark(pData, end), end, false);
+    return StoreDecoded(*this, scratch.get(), decoded.end - scratch.get(), decoded.beyondBmp > 0);
 }
 
+// A byte-order mark at the start tells the order of the bytes and is no text; a surrogate without
+// its other half becomes U+FFFD.
 int CQWString::SetUTF16Data(const unsigned char* pData, int nLen)
 {
     if (pData == nullptr || nLen < 1) {
         return 0;
     }
-    std::u16string units(static_cast<std::size_t>(nLen), u'\0');
-    std::memcpy(units.data(), pData, units.size() * sizeof(char16_t));
-    QString text = QString::fromUtf16(units.data(), nLen);
-    return SetData(text);
+    const WideStore::Units scratch = WideStore::New(nLen, nLen);
+    if (scratch == nullptr) {
+        return 0;
+    }
+    const bool bSwapped = ReadUtf16(pData, true) == 0xFEFF;
+    const bool bMarked = bSwapped || ReadUtf16(pData, false) == 0xFEFF;
+    wchar_t* pOut = scratch.get();
+    bool bHasPair = false;
+    char16_t previous = 0;
+    for (qint64 i = bMarked ? 1 : 0; i < nLen; ++i) {
+        const char16_t unit = ReadUtf16(pData + 2 * i, bSwapped);
+        bHasPair = bHasPair || (QChar::isHighSurrogate(previous) && QChar::isLowSurrogate(unit));
+        *pOut++ = QChar::isSurrogate(unit) ? L'\uFFFD' : static_cast<wchar_t>(unit);
+        previous = unit;
+    }
+    return StoreDecoded(*this, scratch.get(), pOut - scratch.get(), bHasPair);
 }
 
 int CQWString::SetByteData(const unsigned char* pData, int nLen)
@@ -153,24 +256,9 @@ const unsigned short* CQWString::WCharToUtf16() const
 {
     delete[] m_pUtf16;
     const std::wstring_view text = View(*this);
-    const auto nPairs =
-        static_cast<std::size_t>(std::count_if(text.begin(), text.end(), NeedsPair));
-    m_pUtf16 = new (std::nothrow) unsigned short[text.size() + nPairs + 1];
-    if (m_pUtf16 == nullptr) {
-        return nullptr;
+    m_pUtf16 = new (std::nothrow) unsigned short[Utf16Size(text) + 1];
+    if (m_pUtf16 != nullptr) {
+        *PutUtf16(m_pUtf16, text) = 0;
     }
-    unsigned short* pOut = m_pUtf16;
-    for (const wchar_t c : text) {
-        const auto unit = static_cast<quint32>(c);
-        if (unit < FirstSupplementary) {
-            *pOut++ = static_cast<unsigned short>(unit);
-        } else if (NeedsPair(c)) {
-            *pOut++ = static_cast<unsigned short>(0xD7C0 + (unit >> 10));
-            *pOut++ = static_cast<unsigned short>(0xDC00 | (unit & 0x3FF));
-        } else {
-            *pOut++ = QChar::ReplacementCharacter;
-        }
-    }
-    *pOut = 0;
     return m_pUtf16;
 }

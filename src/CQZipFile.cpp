@@ -1,24 +1,24 @@
 #include "CQZipFile.h"
 
+#include "BlockReader.h"
+#include "DiskSync.h"
 #include "PathText.h"
+#include "SafeSave.h"
 
 #include <QByteArray>
 #include <QFile>
-#include <QtEndian>
+#include <QFileInfo>
+#include <QSaveFile>
 
 #include <algorithm>
 #include <limits>
 #include <memory>
 #include <new>
-#include <optional>
+
+#include <sys/stat.h>
 
 namespace
 {
-
-constexpr int lengthFieldSize = 4;
-// The most that a deflate stream expands: a match of 258 bytes takes two bits (RFC 1951).
-constexpr qint64 maxExpansion = 1032;
-constexpr qint64 maxBlockLength = std::numeric_limits<int>::max();
 
 std::unique_ptr<QFile> MakeFile(wchar_t const* path)
 {
@@ -29,41 +29,47 @@ std::unique_ptr<QFile> MakeFile(wchar_t const* path)
     }
 }
 
-QByteArray UncompressedOrNull(const QByteArray& stored)
+QByteArray CompressedOrEmpty(const unsigned char* data, int length)
 {
     try {
-        return qUncompress(stored);
+        return qCompress(data, length);
     } catch (const std::bad_alloc&) {
         return QByteArray();
     }
 }
 
-// The block that \a stored holds, or nothing when it does not uncompress. qUncompress() makes a
-// buffer of the size that the length field claims, so a wild claim is refused before. A claim
-// of nothing is taken at its word: the rest is what a longer block has left behind it.
-std::optional<QByteArray> BlockIn(const QByteArray& stored)
+// Only a file has an end to read to.
+bool MayBeRead(wchar_t const* path)
 {
-    if (stored.size() < lengthFieldSize) {
-        return std::nullopt;
+    try {
+        struct stat info;
+        return stat(QFile::encodeName(PathText::FromWide(path)).constData(), &info) != 0 ||
+               S_ISREG(info.st_mode);
+    } catch (const std::bad_alloc&) {
+        return false;
     }
-    const auto claimed = qFromBigEndian<quint32>(stored.constData());
-    if (claimed == 0) {
-        return QByteArray();
+}
+
+// Makes pFile the current one. The one before it stays open, as callers know it, and becomes a
+// child of the new one. When it is closed already it goes, and only its own child moves up: the
+// chain never gets longer than the list of open files.
+void Adopt(QFile*& pCurrent, QFile* pFile)
+{
+    if (pCurrent != nullptr && pCurrent->isOpen()) {
+        pCurrent->setParent(pFile);
+    } else if (pCurrent != nullptr) {
+        const QObjectList earlierFiles = pCurrent->children();
+        for (QObject* earlier : earlierFiles) {
+            earlier->setParent(pFile);
+        }
+        delete pCurrent;
     }
-    const qint64 streamSize = stored.size() - lengthFieldSize;
-    if (claimed > std::min(streamSize * maxExpansion, maxBlockLength)) {
-        return std::nullopt;
-    }
-    QByteArray block = UncompressedOrNull(stored);
-    if (block.isNull() || static_cast<qint64>(block.size()) > maxBlockLength) {
-        return std::nullopt;
-    }
-    return block;
+    pCurrent = pFile;
 }
 
 } // namespace
 
-CQZipFile::CQZipFile() : m_pFile(nullptr) {}
+CQZipFile::CQZipFile() : m_pFile(nullptr), m_bFailed(false) {}
 
 CQZipFile::~CQZipFile()
 {
@@ -72,45 +78,63 @@ CQZipFile::~CQZipFile()
 
 void CQZipFile::Close()
 {
-    if (m_pFile != nullptr) {
+    if (m_pFile != nullptr && m_pFile->isOpen()) {
         m_pFile->close();
+        m_bFailed = m_bFailed || m_pFile->error() != QFileDevice::NoError;
     }
+}
+
+bool CQZipFile::Sync()
+{
+    if (m_pFile == nullptr || !m_pFile->isOpen()) {
+        return false;
+    }
+    if (!m_pFile->flush() || !DiskSync::File(m_pFile->handle()) ||
+        !DiskSync::Directories(m_dirsToSync)) {
+        m_bFailed = true;
+    } else {
+        m_dirsToSync.clear();
+    }
+    return !m_bFailed;
+}
+
+bool CQZipFile::HasFailed() const
+{
+    return m_bFailed;
 }
 
 int CQZipFile::Open(wchar_t const* path)
 {
+    m_bFailed = true;
+    m_dirsToSync.clear();
     std::unique_ptr<QFile> file = path != nullptr ? MakeFile(path) : nullptr;
     if (file == nullptr) {
         return 0;
     }
-    Adopt(file.release());
+    Adopt(m_pFile, file.release());
     // Not QIODevice::Text, which drops bytes of the value 0x0D on reading.
-    return m_pFile->open(QIODevice::ReadWrite) ? 1 : 0;
-}
-
-// Makes pFile the current file. The one before it stays open, as callers know it, and becomes a
-// child of the new one. When it is closed already it goes, and only its own child moves up: the
-// chain never gets longer than the list of open files.
-void CQZipFile::Adopt(QFile* pFile)
-{
-    if (m_pFile != nullptr && m_pFile->isOpen()) {
-        m_pFile->setParent(pFile);
-    } else if (m_pFile != nullptr) {
-        const QObjectList earlierFiles = m_pFile->children();
-        for (QObject* earlier : earlierFiles) {
-            earlier->setParent(pFile);
-        }
-        delete m_pFile;
+    if (!m_pFile->open(QIODevice::ReadWrite)) {
+        return 0;
     }
-    m_pFile = pFile;
+    if (m_pFile->size() == 0) { // it may be new
+        m_dirsToSync << QFileInfo(*m_pFile).absolutePath();
+    }
+    m_bFailed = false;
+    return 1;
 }
 
 int CQZipFile::Read(unsigned char** data, int* length, wchar_t const* path)
 {
-    if (data == nullptr || length == nullptr || Open(path) == 0) {
+    if (data == nullptr || length == nullptr || !MayBeRead(path) || Open(path) == 0) {
+        m_bFailed = true;
         return 0;
     }
-    const QByteArray block = BlockIn(m_pFile->readAll()).value_or(QByteArray());
+    QByteArray block;
+    const BlockResult result = ReadBlock(*m_pFile, std::numeric_limits<int>::max(), block);
+    m_bFailed = result != BlockResult::Whole;
+    if (result == BlockResult::NoMemory) {
+        return 0;
+    }
     if (*data != nullptr) {
         std::copy(block.cbegin(), block.cend(), *data);
     }
@@ -118,23 +142,58 @@ int CQZipFile::Read(unsigned char** data, int* length, wchar_t const* path)
     return 1;
 }
 
-int CQZipFile::Read(QByteArray& data, wchar_t const* path)
+int CQZipFile::Read(QByteArray& data, wchar_t const* path, int maxLength)
 {
-    if (Open(path) == 0) {
+    if (!MayBeRead(path) || Open(path) == 0) {
+        m_bFailed = true;
         return 0;
     }
-    const std::optional<QByteArray> block = BlockIn(m_pFile->readAll());
-    data = block.value_or(QByteArray());
-    return block.has_value() ? 1 : 0;
+    const BlockResult result = ReadBlock(*m_pFile, maxLength, data);
+    m_bFailed = result != BlockResult::Whole;
+    if (result == BlockResult::NoBlock) {
+        data = QByteArray();
+    }
+    return m_bFailed ? 0 : 1;
+}
+
+int CQZipFile::Read(unsigned char* data, int size, int* length, wchar_t const* path)
+{
+    QByteArray block;
+    if (data == nullptr || length == nullptr || Read(block, path, size) == 0) {
+        m_bFailed = true;
+        return 0;
+    }
+    std::copy(block.cbegin(), block.cend(), data);
+    *length = static_cast<int>(block.size());
+    return 1;
 }
 
 int CQZipFile::Write(unsigned char** data, int* length, wchar_t const* path)
 {
-    if (data == nullptr || *data == nullptr || length == nullptr || *length < 0 ||
-        Open(path) == 0) {
+    if (data == nullptr || *data == nullptr || length == nullptr || *length < 0) {
+        m_bFailed = true;
         return 0;
     }
-    m_pFile->write(qCompress(*data, *length));
-    m_pFile->flush();
+    const QByteArray compressed = CompressedOrEmpty(*data, *length);
+    if (compressed.isEmpty() || Open(path) == 0) {
+        m_bFailed = true;
+        return 0;
+    }
+    const qint64 written = m_pFile->write(compressed);
+    const bool flushed = m_pFile->flush();
+    m_bFailed = written != compressed.size() || !flushed;
     return 1;
+}
+
+int CQZipFile::Replace(const unsigned char* data, int length, wchar_t const* path)
+{
+    m_bFailed = true;
+    if (data == nullptr || length < 0 || path == nullptr) {
+        return 0;
+    }
+    const QByteArray compressed = CompressedOrEmpty(data, length);
+    QSaveFile file;
+    m_bFailed = compressed.isEmpty() || !SafeSave::Open(file, PathText::FromWide(path)) ||
+                file.write(compressed) != compressed.size() || !SafeSave::Commit(file);
+    return m_bFailed ? 0 : 1;
 }

@@ -26,10 +26,11 @@ public:
     ///
     /// Continuation bytes are masked, not validated, and those that the terminator cuts off count
     /// as zero bits. Stray continuation bytes and leads of four-byte sequences are skipped.
-    /// \param nDstLen  capacity in characters. It is checked against a count that takes
-    ///                 \a nSrcLen steps of one character each through the text; steps left at its
-    ///                 end count too, so a multi-byte text asks for more room than it fills. From
-    ///                 the first byte that is skipped in decoding nothing more is counted.
+    /// \param nDstLen  capacity in characters. It is checked against a count of \a nSrcLen steps.
+    ///                 The walk takes a character or a zero byte a step and goes on to
+    ///                 \a nSrcLen; the steps that are then missing count 1 each, so a multi-byte
+    ///                 text asks for more room than it fills. A byte that is skipped in decoding
+    ///                 ends the count.
     ///                 Decoding itself never writes more than 2 x \a nDstLen units, what fits in
     ///                 \a nDstLen wide units.
     /// \param pSrc     text that ends with a zero byte, within or behind \a nSrcLen.

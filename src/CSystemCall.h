@@ -16,6 +16,7 @@ class CQWString;
 class ORVO_EXPORT CSystemCall
 {
 public:
+    /// An object of no use: every operation is static.
     CSystemCall();
     virtual ~CSystemCall();
 

@@ -30,7 +30,8 @@ void CTimeOutTimer::ConstructL()
 
 void CTimeOutTimer::After(int microseconds)
 {
-    m_nTimerId = startTimer(microseconds / 1000);
+    // A coarse timer, which is Qt's default, may fire up to 5% early.
+    m_nTimerId = startTimer(microseconds / 1000, Qt::PreciseTimer);
     m_bActive = true;
 }
 

@@ -31,7 +31,8 @@ public:
     /// The second phase of NewL(): marks the timer idle.
     void ConstructL();
 
-    /// Arms the timer. The time counts in whole milliseconds, truncated toward zero: below
+    /// Arms the timer, which never fires before its time. The longest is 2^31 - 1 microseconds: 35
+    /// minutes and 47 seconds. The time counts in whole milliseconds, truncated toward zero: below
     /// 1000 microseconds it fires as soon as the event loop runs. -1000 and less is refused by
     /// Qt with a warning, and IsActive() is then true without anything to wait for.
     ///

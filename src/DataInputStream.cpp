@@ -1,5 +1,7 @@
 #include "DataInputStream.h"
 
+#include "FileInputStream.h"
+
 #include <cstring>
 #include <memory>
 
@@ -10,11 +12,12 @@ namespace
 {
 
 template <typename T>
-T ReadItem(DataInputStream& in)
+T ReadItem(DataInputStream& in, bool& hasFailed)
 {
     constexpr int size = sizeof(T);
     char bytes[size];
     if (in.Read(bytes, size) != size) {
+        hasFailed = true;
         throw -1;
     }
     T value;
@@ -24,7 +27,7 @@ T ReadItem(DataInputStream& in)
 
 } // namespace
 
-DataInputStream::DataInputStream(CIStream& in) : m_pIn(&in) {}
+DataInputStream::DataInputStream(CIStream& in) : m_pIn(&in), m_bFailed(false) {}
 
 DataInputStream::~DataInputStream()
 {
@@ -33,7 +36,9 @@ DataInputStream::~DataInputStream()
 
 int DataInputStream::Read(char* dest, int len)
 {
-    return m_pIn->Read(dest, len);
+    const int count = m_pIn->Read(dest, len);
+    m_bFailed |= count != len;
+    return count;
 }
 
 int DataInputStream::Available()
@@ -48,17 +53,17 @@ void DataInputStream::Close()
 
 int DataInputStream::ReadInt()
 {
-    return ReadItem<int>(*this);
+    return ReadItem<int>(*this, m_bFailed);
 }
 
 short DataInputStream::ReadShort()
 {
-    return ReadItem<short>(*this);
+    return ReadItem<short>(*this, m_bFailed);
 }
 
 char DataInputStream::ReadChar()
 {
-    return ReadItem<char>(*this);
+    return ReadItem<char>(*this, m_bFailed);
 }
 
 char* DataInputStream::ReadBytes(int& len)
@@ -67,8 +72,18 @@ char* DataInputStream::ReadBytes(int& len)
         return nullptr;
     }
     auto bytes = std::make_unique<char[]>(static_cast<std::size_t>(len));
-    len = Read(bytes.get(), len);
+    const int asked = len;
+    len = Read(bytes.get(), asked);
+    m_bFailed |= len != asked;
     return bytes.release();
+}
+
+bool DataInputStream::HasFailed() const
+{
+    const auto* const file = dynamic_cast<const FileInputStream*>(m_pIn);
+    const auto* const data = dynamic_cast<const DataInputStream*>(m_pIn);
+    return m_bFailed || (file != nullptr && file->HasFailed()) ||
+           (data != nullptr && data->HasFailed());
 }
 
 } // namespace OrvoStream

@@ -40,8 +40,14 @@ public:
     /// stays as it is. `std::bad_alloc` without memory: check lengths that were read from a file.
     virtual char* ReadBytes(int& len);
 
+    /// True once an item that was asked for did not come whole, or when the wrapped stream is a
+    /// file or data stream that has failed. An item that did not come stays on the record until
+    /// this object is destroyed.
+    bool HasFailed() const;
+
 private:
     CIStream* m_pIn; // not owned
+    bool m_bFailed;
 };
 
 } // namespace OrvoStream

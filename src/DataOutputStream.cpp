@@ -1,6 +1,7 @@
 #include "DataOutputStream.h"
 
 #include "CQSString.h"
+#include "FileOutputStream.h"
 #include "ISerializable.h"
 
 #include <climits>
@@ -19,13 +20,19 @@ int WriteItem(DataOutputStream& out, T value)
 
 } // namespace
 
-DataOutputStream::DataOutputStream(OrvoStream::COStream& out) : m_pOut(&out) {}
+DataOutputStream::DataOutputStream(OrvoStream::COStream& out) : m_pOut(&out), m_bFailed(false) {}
 
 DataOutputStream::~DataOutputStream() = default;
 
 int DataOutputStream::Write(char const* data, int len)
 {
-    return m_pOut->Write(data, len);
+    const int position = m_pOut->Write(data, len);
+    // A wrapped data stream keeps its own record: what it answers is another stream's position.
+    if (position <= 0 && !HasTaken(*m_pOut, position, len) &&
+        dynamic_cast<DataOutputStream*>(m_pOut) == nullptr) {
+        m_bFailed = true;
+    }
+    return position;
 }
 
 void DataOutputStream::Flush()
@@ -99,8 +106,11 @@ DataOutputStream& DataOutputStream::operator<<(unsigned long v)
 DataOutputStream& DataOutputStream::operator<<(char const* s)
 {
     // A length beyond int cannot be passed on; no stream of the library would take it either.
-    if (s != nullptr && std::strlen(s) <= INT_MAX) {
-        Write(s, static_cast<int>(std::strlen(s)));
+    const std::size_t length = s != nullptr ? std::strlen(s) : 0;
+    if (length > INT_MAX) {
+        m_bFailed = true;
+    } else if (s != nullptr) {
+        Write(s, static_cast<int>(length));
     }
     return *this;
 }
@@ -109,4 +119,12 @@ DataOutputStream& DataOutputStream::operator<<(ISerializable const& obj)
 {
     obj.Serialize(*this);
     return *this;
+}
+
+bool DataOutputStream::HasFailed() const
+{
+    const auto* const file = dynamic_cast<const OrvoStream::FileOutputStream*>(m_pOut);
+    const auto* const data = dynamic_cast<const DataOutputStream*>(m_pOut);
+    return m_bFailed || (file != nullptr && file->HasFailed()) ||
+           (data != nullptr && data->HasFailed());
 }

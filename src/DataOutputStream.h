@@ -32,7 +32,9 @@ public:
     void Close() override;
     /// @}
 
-    /// Write one item: 4, 2 or 1 bytes, or the bytes of a string, zero bytes included.
+    /// Write one item: 4, 2 or 1 bytes, or the bytes of a string, zero bytes included. Other types
+    /// are promoted before they get here: `Write()` of an `unsigned short` or `unsigned char` puts
+    /// 4 bytes. Cast it, or use `<<`, which has an overload for each.
     /// @{
     virtual int Write(int v);
     virtual int Write(short v);
@@ -56,6 +58,14 @@ public:
     /// Lets \a obj write itself.
     DataOutputStream& operator<<(ISerializable const& obj);
 
+    /// True once an item was refused, dropped or cut short, or when the wrapped stream is a file or
+    /// data stream that has failed. Items that follow a refused one are written all the same, so
+    /// look here before the result is used. A refused item stays on the record until this object is
+    /// destroyed. A wrapped stream of another kind that overrides Write() has to answer more than 0
+    /// for what it took, and refusals of a PrepareBuffer() that it overrides may go unseen.
+    bool HasFailed() const;
+
 private:
     OrvoStream::COStream* m_pOut; // not owned
+    bool m_bFailed;
 };

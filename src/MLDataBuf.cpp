@@ -11,6 +11,11 @@ namespace
 
 enum StorageMode : quint16 { NoStorage = 0, OwnStorage = 1, CallerStorage = 2 };
 
+// Clients that were built when the appends of one item stood here still find them.
+[[gnu::used]] int (CMLDataBuf::*const appendByte)(unsigned char) = &CMLDataBuf::Append;
+[[gnu::used]] int (CMLDataBuf::*const appendShort)(unsigned short) = &CMLDataBuf::Append;
+[[gnu::used]] int (CMLDataBuf::*const appendLong)(unsigned long) = &CMLDataBuf::Append;
+
 } // namespace
 
 CMLDataBuf::CMLDataBuf() : m_wMode(NoStorage), m_dwMaxSize(0), m_dwUsedSize(0), m_pData(nullptr) {}
@@ -66,26 +71,6 @@ unsigned long CMLDataBuf::GetMaxSize() const
     return m_dwMaxSize;
 }
 
-int CMLDataBuf::Append(unsigned char b)
-{
-    return static_cast<int>(Append(&b, sizeof b));
-}
-
-int CMLDataBuf::Append(unsigned short v)
-{
-    unsigned char bytes[sizeof v];
-    std::memcpy(bytes, &v, sizeof v);
-    return static_cast<int>(Append(bytes, sizeof bytes));
-}
-
-int CMLDataBuf::Append(unsigned long v)
-{
-    const auto word = static_cast<quint32>(v);
-    unsigned char bytes[sizeof word];
-    std::memcpy(bytes, &word, sizeof word);
-    return static_cast<int>(Append(bytes, sizeof bytes));
-}
-
 unsigned long CMLDataBuf::Append(unsigned char const* data, unsigned long len)
 {
     if (data == nullptr || len == 0 || !HasRoom(len)) {
@@ -118,10 +103,4 @@ void CMLDataBuf::MoveDataToHead(int nStartPos)
     std::memmove(m_pData, m_pData + (held - kept), kept);
     std::memset(m_pData + kept, 0, held - kept);
     m_dwUsedSize -= dropped;
-}
-
-bool CMLDataBuf::HasRoom(unsigned long len) const
-{
-    // The used size exceeds the capacity when a second Create() brought smaller storage.
-    return m_dwUsedSize <= m_dwMaxSize && len <= m_dwMaxSize - m_dwUsedSize;
 }

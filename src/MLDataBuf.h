@@ -4,6 +4,8 @@
 
 #include <QtGlobal>
 
+#include <cstring>
+
 /// A byte buffer of fixed capacity: appends fill it from the front, MoveDataToHead() empties it
 /// from the front.
 ///
@@ -43,12 +45,14 @@ public:
     /// Capacity.
     unsigned long GetMaxSize() const;
 
+    // The appends of one item stand here because a call would cost more than they do.
+
     /// Appends one byte; returns 1, or 0 when the buffer is full.
-    int Append(unsigned char b);
+    ORVO_EXPORT int Append(unsigned char b) { return AppendItem(b); }
     /// Appends two bytes in host order; returns 2, or 0 with nothing written.
-    int Append(unsigned short v);
+    ORVO_EXPORT int Append(unsigned short v) { return AppendItem(v); }
     /// Appends the low 32 bits as four bytes in host order; returns 4, or 0 with nothing written.
-    int Append(unsigned long v);
+    ORVO_EXPORT int Append(unsigned long v) { return AppendItem(static_cast<quint32>(v)); }
     /// Appends \a len bytes, which may lie in this buffer. Returns \a len, or 0 with nothing
     /// written when they do not fit or \a data is null. Appending no bytes returns 0 as well.
     unsigned long Append(unsigned char const* data, unsigned long len);
@@ -62,7 +66,22 @@ public:
     void MoveDataToHead(int nStartPos);
 
 private:
-    bool HasRoom(unsigned long len) const;
+    // The used size exceeds the capacity when a second Create() brought smaller storage.
+    bool HasRoom(unsigned long len) const
+    {
+        return m_dwUsedSize <= m_dwMaxSize && len <= m_dwMaxSize - m_dwUsedSize;
+    }
+
+    template <class Item>
+    int AppendItem(Item item)
+    {
+        if (!HasRoom(sizeof item)) {
+            return 0;
+        }
+        std::memcpy(m_pData + m_dwUsedSize, &item, sizeof item);
+        m_dwUsedSize += static_cast<quint32>(sizeof item);
+        return static_cast<int>(sizeof item);
+    }
 
     quint16 m_wMode;
     quint32 m_dwMaxSize;

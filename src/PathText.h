@@ -1,9 +1,11 @@
 #pragma once
 
 #include "CQWString.h"
+#include "Utf16Unit.h"
 
 #include <QString>
 
+#include <cwchar>
 #include <string_view>
 
 /// Paths on their way from the client's texts to Qt, and names on their way back.
@@ -18,24 +20,10 @@ inline QString Slashed(QString path)
 }
 
 /// The zero-terminated text of 32-bit units \a text, unit by unit; a null QString for null.
-/// Units beyond U+10FFFF become U+FFFD. QString::fromWCharArray() would take a leading U+FEFF,
-/// which may stand in a file name, for a byte-order mark.
+/// Units beyond U+10FFFF become U+FFFD.
 inline QString FromWide(const wchar_t* text)
 {
-    static_assert(sizeof(wchar_t) == 4);
-    QString result;
-    for (; text != nullptr && *text != 0; ++text) {
-        const auto unit = static_cast<char32_t>(*text);
-        if (unit > QChar::LastValidCodePoint) {
-            result += QChar(QChar::ReplacementCharacter);
-        } else if (QChar::requiresSurrogates(unit)) {
-            result += QChar(QChar::highSurrogate(unit));
-            result += QChar(QChar::lowSurrogate(unit));
-        } else {
-            result += QChar(static_cast<ushort>(unit));
-        }
-    }
-    return result;
+    return text != nullptr ? ToQString(text) : QString();
 }
 
 /// FromWide() and Slashed() in one: the form in which wide paths reach Qt.
@@ -45,14 +33,16 @@ inline QString SlashedFromWide(const wchar_t* path)
 }
 
 /// Sets \a out to \a text, also to an empty one, which the setters of the string ignore. Goes by
-/// units, where CQWString(const QString&) would count a character above U+FFFF twice.
-inline void Store(CQWString& out, std::wstring_view text)
+/// units, where CQWString(const QString&) would count a character above U+FFFF twice. False
+/// without memory.
+inline bool Store(CQWString& out, std::wstring_view text)
 {
     if (text.empty()) {
         out.Empty();
     } else {
         out.SetData(text.data(), static_cast<int>(text.size()));
     }
+    return out.IsEmpty() == text.empty();
 }
 
 } // namespace PathText

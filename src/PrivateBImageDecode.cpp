@@ -12,8 +12,6 @@
 namespace
 {
 
-enum State : qint32 { stateIdle = 0, stateDecoded = 1, stateResizing = 2 };
-
 // Puts an image in a slot. The one before it is deleted, unless a client holds it.
 void Replace(QImage*& pSlot, bool& fetched, QImage* pImage)
 {
@@ -104,21 +102,30 @@ int PrivateBImageDecode::DecodeImgFileL(CQWString* path, int id, bool /*useDispl
     const QString fileName = PathText::FromWide(path->GetDataPtr());
     m_nId = id;
     m_FileName = *path;
-    const QImage loaded = BoundedImageRead::FromFile(fileName);
+    SetImage(nullptr);
+    SetMask(nullptr);
+    QImage loaded = BoundedImageRead::FromFile(fileName);
     m_bHasMask =
         fileName.endsWith(QLatin1String(".png"), Qt::CaseInsensitive) || loaded.hasAlphaChannel();
+    m_nState = stateDecoded;
     if (m_bHasMask) {
-        Replace(m_pImage, m_bImageFetched, nullptr);
-        Replace(m_pMask, m_bMaskFetched,
-                new QImage(BoundedImageRead::Converted(loaded, QImage::Format_Indexed8)));
-        m_nState = stateDecoded;
+        SetMask(
+            new QImage(BoundedImageRead::Converted(std::move(loaded), QImage::Format_Indexed8)));
         return 0;
     }
-    Replace(m_pMask, m_bMaskFetched, nullptr);
-    Replace(m_pImage, m_bImageFetched, new QImage(loaded));
-    m_nState = stateDecoded;
+    SetImage(new QImage(std::move(loaded)));
     RunL();
     return 1;
+}
+
+void PrivateBImageDecode::SetImage(QImage* pImage)
+{
+    Replace(m_pImage, m_bImageFetched, pImage);
+}
+
+void PrivateBImageDecode::SetMask(QImage* pImage)
+{
+    Replace(m_pMask, m_bMaskFetched, pImage);
 }
 
 void PrivateBImageDecode::RunL()
@@ -127,7 +134,7 @@ void PrivateBImageDecode::RunL()
         ResizeImageToFitScreen(m_pImage) == 1) {
         return; // a resized image is not announced
     }
-    const qint32 state = std::exchange(m_nState, stateIdle);
+    const State state = std::exchange(m_nState, stateIdle);
     if (state != stateDecoded && state != stateResizing) {
         return;
     }
@@ -180,7 +187,8 @@ int PrivateBImageDecode::ResizeImageToFitScreen(QImage* image)
     m_nState = stateResizing;
     const QImage scaled = ScaledWithinLimit(*image, fit);
     const QImage loaded = BoundedImageRead::FromBytes(
-        reinterpret_cast<const char*>(scaled.constBits()), static_cast<int>(scaled.sizeInBytes()));
+        reinterpret_cast<const char*>(scaled.constBits()), static_cast<int>(scaled.sizeInBytes()),
+        image->sizeInBytes() + scaled.sizeInBytes());
     // Raw pixels seldom decode. Then the image keeps its content, and the result is 1 all the same.
     if (!loaded.isNull()) {
         *image = loaded;

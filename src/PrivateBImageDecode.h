@@ -9,6 +9,10 @@
 class CImgDecodeNotify;
 
 /// The work of CQBImageDecode, where the operations are documented.
+///
+/// The display mode is kept and never read: it would choose the form of a masked file's image,
+/// which is deleted before anybody sees it. RunL() cannot meet stateResizing either, since a
+/// resize runs to its end inside ResizeImageToFitScreen().
 class PrivateBImageDecode
 {
 public:
@@ -34,7 +38,15 @@ public:
     void DoCancel();
 
 private:
+    enum State : qint32 {
+        stateIdle = 0,
+        stateDecoded = 1, // and waiting for RunL()
+        stateResizing = 2
+    };
+
     int DecodeWithSwitch(CQWString* path, int id, bool fitScreen, bool useDisplayMode);
+    void SetImage(QImage* pImage);
+    void SetMask(QImage* pImage);
 
     QImage* m_pImage;
     QImage* m_pMask;
@@ -44,7 +56,7 @@ private:
     qint32 m_nId;
     CQWString m_FileName;
     bool m_bFitScreen;
-    qint32 m_nState; // 0 idle, 1 decoded and waiting for RunL(), 2 resizing
+    State m_nState;
     qint32 m_nScreenWidth;
     qint32 m_nScreenHeight;
     bool m_bImageFetched; // a client holds m_pImage

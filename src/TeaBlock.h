@@ -1,10 +1,9 @@
 #pragma once
 
-#include "ByteOrder.h"
+#include "WordBytes.h"
 
 #include <array>
 #include <cstdint>
-#include <cstring>
 
 /// \file
 /// The block cipher behind CCrypt: the Tiny Encryption Algorithm (Wheeler and Needham, 1994).
@@ -28,52 +27,81 @@ using Key = std::array<std::uint32_t, 4>;
 
 constexpr std::uint32_t Delta = 0x9E3779B9;
 
-inline std::uint32_t LoadWord(const unsigned char* p)
-{
-    unsigned char packed[4];
-    std::memcpy(packed, p, sizeof packed);
-    unsigned long word = 0;
-    GetDWORD(word, packed);
-    return static_cast<std::uint32_t>(word);
-}
-
 /// Reads a 128-bit key from 16 bytes.
 inline Key LoadKey(const unsigned char* p)
 {
-    return {LoadWord(p), LoadWord(p + 4), LoadWord(p + 8), LoadWord(p + 12)};
+    using WordBytes::LoadBigEndian;
+    return {LoadBigEndian(p), LoadBigEndian(p + 4), LoadBigEndian(p + 8), LoadBigEndian(p + 12)};
 }
 
 inline Block Load(const unsigned char* p)
 {
-    return {LoadWord(p), LoadWord(p + 4)};
+    return {WordBytes::LoadBigEndian(p), WordBytes::LoadBigEndian(p + 4)};
 }
 
 inline void Store(const Block& block, unsigned char* p)
 {
-    SetDWORD(p, block.y);
-    SetDWORD(p + 4, block.z);
+    WordBytes::StoreBigEndian(block.y, p);
+    WordBytes::StoreBigEndian(block.z, p + 4);
 }
 
-inline Block Encipher(Block b, const Key& k, int cycles)
+/// One half of a block, and beside it (word << 4) + k. That sum is kept up to date rather than
+/// made anew, which takes one step of five out of the chain that each half cycle waits for: a
+/// fifth of the time.
+class Half
+{
+public:
+    Half(std::uint32_t word, std::uint32_t k) : m_word(word), m_shifted((word << 4) + k) {}
+
+    std::uint32_t GetWord() const { return m_word; }
+
+    void Add(std::uint32_t mixed)
+    {
+        m_word += mixed;
+        m_shifted += mixed << 4;
+    }
+
+    void Subtract(std::uint32_t mixed)
+    {
+        m_word -= mixed;
+        m_shifted -= mixed << 4;
+    }
+
+    /// ((word << 4) + k) ^ (word + sum) ^ ((word >> 5) + kRight), what is known first taken first.
+    std::uint32_t Mix(std::uint32_t sum, std::uint32_t kRight) const
+    {
+        return (m_shifted ^ (m_word + sum)) ^ ((m_word >> 5) + kRight);
+    }
+
+private:
+    std::uint32_t m_word;
+    std::uint32_t m_shifted;
+};
+
+inline Block Encipher(const Block& b, const Key& k, int cycles)
 {
     std::uint32_t sum = 0;
+    Half y(b.y, k[2]);
+    Half z(b.z, k[0]);
     for (int cycle = 0; cycle < cycles; ++cycle) {
         sum += Delta;
-        b.y += ((b.z << 4) + k[0]) ^ (b.z + sum) ^ ((b.z >> 5) + k[1]);
-        b.z += ((b.y << 4) + k[2]) ^ (b.y + sum) ^ ((b.y >> 5) + k[3]);
+        y.Add(z.Mix(sum, k[1]));
+        z.Add(y.Mix(sum, k[3]));
     }
-    return b;
+    return {y.GetWord(), z.GetWord()};
 }
 
-inline Block Decipher(Block b, const Key& k, int cycles)
+inline Block Decipher(const Block& b, const Key& k, int cycles)
 {
     std::uint32_t sum = Delta * static_cast<std::uint32_t>(cycles);
+    Half y(b.y, k[2]);
+    Half z(b.z, k[0]);
     for (int cycle = 0; cycle < cycles; ++cycle) {
-        b.z -= ((b.y << 4) + k[2]) ^ (b.y + sum) ^ ((b.y >> 5) + k[3]);
-        b.y -= ((b.z << 4) + k[0]) ^ (b.z + sum) ^ ((b.z >> 5) + k[1]);
+        z.Subtract(y.Mix(sum, k[3]));
+        y.Subtract(z.Mix(sum, k[1]));
         sum -= Delta;
     }
-    return b;
+    return {y.GetWord(), z.GetWord()};
 }
 
 } // namespace Tea

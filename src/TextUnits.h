@@ -1,8 +1,11 @@
 #pragma once
 
 #include "HexDigits.h"
+#include "TextSearch.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <type_traits>
@@ -29,15 +32,34 @@ constexpr int IndexOrNone(std::size_t position)
 template <class Unit>
 constexpr Unit AsciiUpper(Unit c)
 {
-    return c >= 'a' && c <= 'z' ? static_cast<Unit>(c - 'a' + 'A') : c;
+    using Bits = std::make_unsigned_t<Unit>; // one comparison instead of two
+    const bool isLower = static_cast<Bits>(static_cast<Bits>(c) - Bits{'a'}) < 26;
+    return static_cast<Unit>(c - (isLower ? 'a' - 'A' : 0));
 }
 
 /// Whether the texts are equal but for the case of ASCII letters.
 template <class Unit>
 bool EqualNoCase(std::basic_string_view<Unit> a, std::basic_string_view<Unit> b)
 {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](Unit x, Unit y) { return AsciiUpper(x) == AsciiUpper(y); });
+    // Blocks without a way out in their middle: the compiler compares several units at once.
+    constexpr std::size_t Block = 64;
+    if (a.size() != b.size()) {
+        return false;
+    }
+    const Unit* x = a.data();
+    const Unit* y = b.data();
+    std::size_t left = a.size();
+    for (; left >= Block; left -= Block, x += Block, y += Block) {
+        Unit difference = 0;
+        for (std::size_t i = 0; i < Block; ++i) {
+            difference = static_cast<Unit>(difference | (AsciiUpper(x[i]) ^ AsciiUpper(y[i])));
+        }
+        if (difference != 0) {
+            return false;
+        }
+    }
+    return std::equal(x, x + left, y,
+                      [](Unit c, Unit d) { return AsciiUpper(c) == AsciiUpper(d); });
 }
 
 /// Value of the digits of \a base, at most 16, that end \a text, modulo 2^32.
@@ -65,30 +87,45 @@ int SignedTrailingNumber(std::basic_string_view<Unit> text, int base)
     return static_cast<int>(text.front() == '-' ? 0U - value : value);
 }
 
-/// Number of times that \a sub, which is not empty, stands in \a text without overlap.
+/// The places at which a text, which is not empty, stands in another without overlap.
 template <class Unit>
-int CountOccurrences(std::basic_string_view<Unit> text, std::basic_string_view<Unit> sub)
+class Occurrences
 {
-    int count = 0;
-    for (std::size_t at = text.find(sub); at != text.npos; at = text.find(sub, at + sub.size())) {
-        ++count;
-    }
-    return count;
-}
+public:
+    using Text = std::basic_string_view<Unit>;
 
-/// Writes \a text with every \a oldText replaced at \a p and returns the place behind it.
-template <class Unit>
-Unit* PutReplaced(Unit* p, std::basic_string_view<Unit> text, std::basic_string_view<Unit> oldText,
-                  std::basic_string_view<Unit> newText)
-{
-    std::size_t done = 0;
-    for (std::size_t at = text.find(oldText); at != text.npos; at = text.find(oldText, done)) {
-        p += text.copy(p, at - done, done);
-        p += newText.copy(p, newText.size());
-        done = at + oldText.size();
+    Occurrences(Text text, Text sub) : m_text(text), m_sub(sub)
+    {
+        for (std::size_t at = FindText(text, sub); at != text.npos;
+             at = FindText(text, sub, at + sub.size())) {
+            if (m_count < m_places.size()) {
+                m_places[m_count] = at;
+            }
+            ++m_count;
+        }
     }
-    return p + text.copy(p, text.size() - done, done);
-}
+
+    int GetCount() const { return static_cast<int>(m_count); }
+
+    /// Writes the text with \a newText in all these places at \a p; returns the place behind it.
+    Unit* PutReplaced(Unit* p, Text newText) const
+    {
+        std::size_t done = 0;
+        for (std::size_t i = 0; i < m_count; ++i) {
+            const std::size_t at =
+                i < m_places.size() ? m_places[i] : FindText(m_text, m_sub, done);
+            p += m_text.copy(p, at - done, done);
+            p += newText.copy(p, newText.size());
+            done = at + m_sub.size();
+        }
+        return p + m_text.copy(p, m_text.size() - done, done);
+    }
+
+private:
+    Text m_text, m_sub;
+    std::size_t m_count = 0;
+    std::array<std::size_t, 512> m_places; // the first ones, which need not be found again
+};
 
 /// The delimited GetSubString() of either string class, as described there.
 template <class String>
@@ -100,13 +137,13 @@ int CopyBetween(const String& source, String& out, decltype(View(source)) startM
         return -1;
     }
     const auto text = View(source);
-    const std::size_t at = text.find(startMark, static_cast<std::size_t>(start));
+    const std::size_t at = FindText(text, startMark, static_cast<std::size_t>(start));
     // An empty end mark would be found behind the last unit too, where nothing may match.
     if (at == text.npos || at + startMark.size() >= text.size()) {
         return -1;
     }
     const std::size_t inside = at + startMark.size();
-    const std::size_t end = text.find(endMark, inside);
+    const std::size_t end = FindText(text, endMark, inside);
     if (end == text.npos) {
         return -1;
     }

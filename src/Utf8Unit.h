@@ -1,9 +1,11 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 /// \file
-/// UTF-8 encoding (RFC 3629) of single units, shared by the converter and the byte string.
+/// UTF-8 (RFC 3629) unit by unit, as the converter and the strings read and write it.
 /// Internal; not installed.
 
 /// Number of bytes that \a unit takes. It is not checked: surrogates take three.
@@ -29,10 +31,56 @@ inline char* PutUtf8Unit(char* p, std::uint32_t unit)
 /// drops those above U+FFFF. 0 for a length below 1.
 inline std::int64_t BmpUtf8Size(const wchar_t* p, int nLen)
 {
+    // Summed up in 32 bits and without branches, so that the compiler vectorises the loop.
+    constexpr int SumsFit = 1 << 20;
     std::int64_t size = 0;
-    for (int i = 0; i < nLen; ++i) {
-        const auto unit = static_cast<std::uint32_t>(p[i]);
-        size += unit < 0x10000 ? Utf8UnitSize(unit) : 0;
+    for (int done = 0; done < nLen;) {
+        const int count = std::min(nLen - done, SumsFit);
+        std::uint32_t sum = 0;
+        for (int i = 0; i < count; ++i) {
+            const auto unit = static_cast<std::uint32_t>(p[done + i]);
+            const std::uint32_t bytes = 1U + (unit >= 0x80 ? 1U : 0U) + (unit >= 0x800 ? 1U : 0U);
+            sum += unit < 0x10000 ? bytes : 0U;
+        }
+        size += sum;
+        done += count;
     }
     return size;
+}
+
+/// Length of the sequence that \a lead opens for CStrConvertor::Utf82Unicode(), 0 for a byte that
+/// opens none. Leads of four-byte sequences count among the latter: that decoder knows the Basic
+/// Multilingual Plane only.
+constexpr int BmpSequenceLength(unsigned char lead)
+{
+    if (lead < 0x80) {
+        return 1;
+    }
+    if ((lead & 0xE0) == 0xC0) {
+        return 2;
+    }
+    return (lead & 0xF0) == 0xE0 ? 3 : 0;
+}
+
+/// Number of units that CStrConvertor::Utf82Unicode() makes of the text up to \a end, room given.
+inline std::int64_t CountBmpUnits(const unsigned char* p, const unsigned char* end)
+{
+    std::int64_t count = 0;
+    while (p < end) {
+        const int length = BmpSequenceLength(*p);
+        count += length > 0 ? 1 : 0;
+        p += std::min<std::ptrdiff_t>(std::max(length, 1), end - p);
+    }
+    return count;
+}
+
+/// Whether \a Size bytes are ASCII, in a loop that the compiler vectorises.
+template <std::ptrdiff_t Size>
+bool IsAscii(const unsigned char* p)
+{
+    unsigned char bits = 0;
+    for (std::ptrdiff_t i = 0; i < Size; ++i) {
+        bits |= p[i];
+    }
+    return bits < 0x80;
 }

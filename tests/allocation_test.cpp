@@ -54,7 +54,12 @@ TEST(WithoutMemory, ByteStringIsEmptiedOrLeftAlone)
             {[&](CQSString& s) { return s = other, 0; }, {NoBuffer}},
             {[&](CQSString& s) { return s = wide, 0; }, {Unchanged}},
             {[](CQSString& s) { return s.AppendChar('c'); }, {NoBuffer}},
+            {[](CQSString& s) { return s.AppendData(s.GetDataPtr()); }, {NoBuffer}},
+            {[](CQSString& s) { return s.TrimLeft(), 0; }, {Unchanged}},
+            {[](CQSString& s) { return s.TrimRight(), 0; }, {Unchanged}},
             {[](CQSString& s) { return s.TrimRightAndLeft(), 0; }, {Unchanged}},
+            {[](CQSString& s) { return s.TrimRightAndLeft(1, 1, s), 0; }, {NoBuffer}},
+            {[](CQSString& s) { return s.GetSubString(s, 1, 2), 0; }, {NoBuffer}},
             {[](CQSString& s) { return s.Replace("a", "bc"); }, {Unchanged}},
             {[](CQSString& s) { return s.ToString(-7), 0; }, {NoBuffer}},
             {[&](CQSString&) { return CQSString(other).GetLength(); }, {Unchanged}},
@@ -67,6 +72,14 @@ TEST(WithoutMemory, ByteStringIsEmptiedOrLeftAlone)
         FailEachAllocation<CQSString>({{[](auto& s) { return s.ToHexString(); }, {Unchanged}}},
                                       text);
     }
+}
+
+// Its buffer would need one byte more than a 32-bit count tells; no memory is asked for at all.
+TEST(WithoutMemory, ByteStringRefusesTheLongestLength)
+{
+    const FailingAllocator allocator(1);
+    EXPECT_EQ(0, CQSString(INT_MAX).GetLength());
+    EXPECT_FALSE(allocator.HasFailed());
 }
 
 TEST(WithoutMemory, WideStringLosesItsBufferOrIsLeftAlone)
@@ -91,6 +104,9 @@ TEST(WithoutMemory, WideStringLosesItsBufferOrIsLeftAlone)
             {[&](CQWString&) { return CQWString(other).GetLength(); }, {Unchanged}},
             {[&](CQWString&) { return CQWString(utf8).GetDataPtr() != nullptr; }, {Unchanged}},
             {[](CQWString&) { return CQWString(3).GetDataPtr() != nullptr; }, {Unchanged}},
+            {[&](CQWString& s) { return s.SetUTF8Data(text, 21); }, {Unchanged, NoBuffer}},
+            {[&](CQWString& s) { return s.SetUTF16Data(text, 10); }, {Unchanged, NoBuffer}},
+            {[](CQWString& s) { return s.MakeUpper(), s.MakeLower(), 0; }, {}},
             {[](CQWString& s) { return s.TrimRightAndLeft(), 0; }, {}},
         },
         L" a1 a ");

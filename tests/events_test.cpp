@@ -16,7 +16,10 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <chrono>
 #include <thread>
+
+using namespace std::chrono_literals;
 
 namespace
 {
@@ -95,7 +98,9 @@ struct Timers : testing::Test, CQTimerObserver, MTimeOutNotifier {
     }
     int ArmedInterval() const
     {
-        return QAbstractEventDispatcher::instance()->registeredTimers(timeOut.get())[0].interval;
+        const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(timeOut.get());
+        EXPECT_EQ(Qt::PreciseTimer, timers[0].timerType) << "others may fire early";
+        return timers[0].interval;
     }
 
     int m_nCalls = 0, m_nRearmBelow = 0;
@@ -185,10 +190,19 @@ TEST(Scheduler, RunsHigherPrioritiesFirstOnAThreadOfItsOwn)
     scheduler->Add(added[8].get());
     notices.Await(7);
     EXPECT_EQ("p9p8p7p3p4p1p2", ran);
-    // Another cycle, in which nothing runs but what is raised again or added meanwhile.
+    // Other cycles, in which nothing runs but what is raised again or added meanwhile.
     std::thread([&] { scheduler->Add(added[9].get()); }).join();
     notices.Await(8);
     EXPECT_EQ(added[9].get(), notices.m_actives.back());
+    const auto start = std::chrono::steady_clock::now();
+    for (std::size_t count = 9; count < 14; ++count) {
+        added[9]->Complete(0);
+        notices.Await(count);
+    }
+    // One a poll, and the first at the next: four intervals at least.
+    const auto passed = std::chrono::steady_clock::now() - start;
+    EXPECT_LE(400ms, passed);
+    EXPECT_GT(1500ms, passed);
     // Every event is swallowed, deferred deletion included.
     scheduler->removeEventFilter(&notices);
     const QPointer<QObject> alive(scheduler);
@@ -213,7 +227,11 @@ TEST_F(Timers, PeriodicOneIsRefusedItsConnectionAndNeverCallsByItself)
     periodic.StartTimer(this, 1, 60000, 7);
     EXPECT_LT(1, CallsWithin(400)); // a count of 1 limits nothing
     EXPECT_EQ(1, warnings);
+    // The timer is the first field behind the base.
+    const QPointer<QTimer> alive(*reinterpret_cast<QTimer**>(static_cast<QObject*>(&periodic) + 1));
+    EXPECT_TRUE(alive->isActive());
     periodic.StopTimer();
+    EXPECT_TRUE(alive.isNull());
     EXPECT_EQ(0, CallsWithin(20));
     clock.stop();
     periodic.StartTimer(this, 1, 1, 0);
@@ -225,6 +243,9 @@ TEST_F(Timers, PeriodicOneIsRefusedItsConnectionAndNeverCallsByItself)
 TEST_F(Timers, TimeOutFiresOnceForEveryArmingButTheCancelledOne)
 {
     timeOut->Cancel(); // harmless in any state
+    timeOut->After(INT_MAX);
+    EXPECT_EQ(2147483, ArmedInterval());
+    timeOut->Cancel();
     m_nRearmBelow = 3;
     timeOut->After(2500);
     EXPECT_TRUE(timeOut->IsActive());
@@ -251,13 +272,17 @@ TEST(Registry, TakesTheOldestMatchAndLeavesTombstones)
 {
     using I = CQInstance;
     int a = 0, b = 0;
-    EXPECT_TRUE(I::GetByUid(-1) == nullptr && I::RemoveByUid(7) == nullptr);
-    EXPECT_TRUE(I::AddWithUid(&a, 7) == 0 && I::AddWithUid(&b, 7) == 1);
+    EXPECT_EACH(I::GetByUid(-1) == nullptr, I::RemoveByUid(7) == nullptr);
+    EXPECT_EACH(I::AddWithUid(&a, 7) == 0, I::AddWithUid(&b, 7) == 1);
     EXPECT_EQ(0, I::AddWithUid(&a, 9)); // the first with this pointer
     EXPECT_EQ(&a, I::GetByUid(9));      // added nevertheless
-    EXPECT_TRUE(I::GetByUid(7) == &a && I::RemoveByUid(7) == &a && I::RemoveByUid(7) == &b);
+    EXPECT_EACH(I::GetByUid(7) == &a, I::RemoveByUid(7) == &a, I::RemoveByUid(7) == &b);
     EXPECT_EQ(3, I::AddWithUid(&b, -1)); // indices do not shift
     EXPECT_EQ(nullptr, I::GetByUid(-1)); // the tombstone is older
     EXPECT_EQ(0, I::AddWithUid(nullptr, 3));
+    // The list of objects is the first field, and shared with a copy until one of them goes.
+    const QList<void*> copy(
+        *reinterpret_cast<QList<void*>*>(reinterpret_cast<void**>(I::Instance()) + 1));
     I::ResetAndDestroy(); // the objects themselves are not touched
+    EXPECT_TRUE(copy.isDetached());
 }

@@ -73,12 +73,16 @@ template struct Layout<COStream, Sizes<P, P, 4, 4>, &COStream::m_pBuffer, &COStr
                        &COStream::m_nUsed>;
 template struct Layout<CIStream, Sizes<P, P, 4, 4>, &CIStream::m_pBuffer, &CIStream::m_nValidLen,
                        &CIStream::m_nPos>;
-template struct Layout<FileOutputStream, Sizes<sizeof(COStream), P, sizeof(CQWString)>,
-                       &FileOutputStream::m_pFile, &FileOutputStream::m_strPath>;
-template struct Layout<FileInputStream, Sizes<sizeof(CIStream), P, sizeof(CQWString)>,
-                       &FileInputStream::m_pFile, &FileInputStream::m_strPath>;
-template struct Layout<DataOutputStream, Sizes<sizeof(COStream), P>, &DataOutputStream::m_pOut>;
-template struct Layout<DataInputStream, Sizes<sizeof(CIStream), P>, &DataInputStream::m_pIn>;
+template struct Layout<FileOutputStream, Sizes<sizeof(COStream), P, sizeof(CQWString), 3>,
+                       &FileOutputStream::m_pFile, &FileOutputStream::m_strPath,
+                       &FileOutputStream::m_record>;
+template struct Layout<FileInputStream, Sizes<sizeof(CIStream), P, sizeof(CQWString), 2>,
+                       &FileInputStream::m_pFile, &FileInputStream::m_strPath,
+                       &FileInputStream::m_record>;
+template struct Layout<DataOutputStream, Sizes<sizeof(COStream), P, 1>, &DataOutputStream::m_pOut,
+                       &DataOutputStream::m_bFailed>;
+template struct Layout<DataInputStream, Sizes<sizeof(CIStream), P, 1>, &DataInputStream::m_pIn,
+                       &DataInputStream::m_bFailed>;
 template struct Layout<CCrypt, Sizes<P, 16, 1, 1>, &CCrypt::m_Key, &CCrypt::m_EncryptArith,
                        &CCrypt::m_DecryptArith>;
 template struct Layout<tagMD5State, Sizes<0, 16, 8, 64, 4>, &tagMD5State::m_dwChain,
@@ -102,21 +106,23 @@ template struct Layout<CQBTreeNodeBase, Sizes<0, 4, P, P, P>, &CQBTreeNodeBase::
 template struct Layout<CQPlex, Sizes<0, P>, &CQPlex::m_pNext>;
 template struct Layout<CLimitedCounter, Sizes<P, 4, 4>, &CLimitedCounter::m_nCount,
                        &CLimitedCounter::m_nMaxCount>;
-template struct Layout<CQFile, Sizes<P, 4, sizeof(QFile), 1, P, 1, sizeof(CQSString)>,
-                       &CQFile::m_dwMode, &CQFile::m_file, &CQFile::m_bCacheEnabled,
-                       &CQFile::m_pCache, &CQFile::m_bOpened, &CQFile::m_strName>;
-template struct Layout<CQZipFile, Sizes<P, P>, &CQZipFile::m_pFile>;
+template struct Layout<
+    CQFile, Sizes<P, 4, sizeof(QFile), 1, P, 1, sizeof(CQSString), 1, sizeof(QStringList)>,
+    &CQFile::m_dwMode, &CQFile::m_file, &CQFile::m_bCacheEnabled, &CQFile::m_pCache,
+    &CQFile::m_bOpened, &CQFile::m_strName, &CQFile::m_bFailed, &CQFile::m_dirsToSync>;
+template struct Layout<CQZipFile, Sizes<P, P, 1, sizeof(QStringList)>, &CQZipFile::m_pFile,
+                       &CQZipFile::m_bFailed, &CQZipFile::m_dirsToSync>;
 template struct Layout<TImageMIMETypes, Sizes<0, P, sizeof(QList<QString*>)>,
                        &TImageMIMETypes::m_pArray, &TImageMIMETypes::m_ownedStrings>;
 template struct Layout<CQImageDecode, Sizes<P, P>, &CQImageDecode::m_pPrivate>;
 template struct Layout<CQBImageDecode, Sizes<P, P>, &CQBImageDecode::m_pPrivate>;
 template struct Layout<
     PrivateImageDecode,
-    Sizes<P, P, P, 4, P, 4, sizeof(CQWString), sizeof(QString), sizeof(QString), P, 4>,
+    Sizes<P, P, P, 4, P, 4, sizeof(CQWString), sizeof(QString), sizeof(QString), P, 4, 2 * P>,
     &PrivateImageDecode::m_pReader, &PrivateImageDecode::m_pImage,
     &PrivateImageDecode::m_nDisplayMode, &PrivateImageDecode::m_pNotify, &PrivateImageDecode::m_nId,
     &PrivateImageDecode::m_FileName, &PrivateImageDecode::m_Data, &PrivateImageDecode::m_Mime,
-    &PrivateImageDecode::m_pMask, &PrivateImageDecode::m_nHasAlpha>;
+    &PrivateImageDecode::m_pMask, &PrivateImageDecode::m_nHasAlpha, &PrivateImageDecode::m_pAlive>;
 template struct Layout<
     PrivateBImageDecode, Sizes<P, P, P, 1, 4, P, 4, sizeof(CQWString), 1, 4, 4, 4, 1, 1>,
     &PrivateBImageDecode::m_pImage, &PrivateBImageDecode::m_pMask, &PrivateBImageDecode::m_bHasMask,

@@ -6,6 +6,8 @@
 #include <CQActiveScheduler.h>
 
 #include <QGuiApplication>
+#include <QLocale>
+#include <QTimeZone>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -31,23 +33,39 @@ char* args[] = {argName, nullptr};
 struct Active : CQActive {
     explicit Active(void (*work)()) : CQActive(0), m_work(work) {}
     void DoCancel() override {}
-    void RunL(int) override { m_work(); }
+    void RunL(int) override;
     void (*m_work)();
 };
 
 /// Owns the active objects as a static object of a client may: when it is destroyed, the worker
-/// must have come to rest, and exit() must not have waited in vain.
+/// must have come to rest for good, and exit() must not have waited in vain.
 struct StaticOwner {
     ~StaticOwner()
     {
         if (running || Clock::now() > latestEnd) {
             _exit(3);
         }
+        const int runsBefore = runs;
+        for (const auto& active : actives) {
+            active->Complete(0);
+        }
+        sleep_for(150ms); // more than a poll
+        if (runs != runsBefore) {
+            _exit(5);
+        }
     }
     std::atomic<bool> running{false};
+    std::atomic<int> runs{0};
     Clock::time_point latestEnd = Clock::time_point::max();
     std::vector<std::unique_ptr<Active>> actives;
 } owner;
+
+void Active::RunL(int)
+{
+    void (*const work)() = m_work;
+    ++owner.runs; // from here on the object may be gone, if the run outlives it
+    work();
+}
 
 void AddReady(void (*work)())
 {
@@ -56,10 +74,17 @@ void AddReady(void (*work)())
     owner.actives.back()->Complete(0);
 }
 
-/// Gives the worker objects to run for 200 milliseconds.
+void AwaitRun()
+{
+    while (owner.runs == 0) {
+        sleep_for(1ms);
+    }
+}
+
+/// Gives the worker objects to run for 3 seconds, which is longer than exit() waits.
 void KeepBusy()
 {
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 1500; ++i) {
         AddReady([] {
             owner.running = true;
             sleep_for(2ms);
@@ -68,27 +93,61 @@ void KeepBusy()
     }
 }
 
+/// Gives the worker notices to post, one right after the other, and lets it begin.
+void Flood()
+{
+    for (int i = 0; i < 20000; ++i) {
+        AddReady([] {});
+    }
+    AwaitRun();
+}
+
+/// A child forked while the worker posts, which ends as the scenario's process itself does.
+void PlayForkedChild(std::unique_ptr<QGuiApplication> application)
+{
+    for (int i = 0; i < 2; ++i) {
+        if (fork() == 0) {
+            alarm(60);
+            application.reset();
+            owner.latestEnd = Clock::now() + 1900ms;
+            std::exit(0);
+        }
+    }
+    for (int status = 0; wait(&status) > 0;) {
+        if (status != 0) {
+            _exit(4);
+        }
+    }
+}
+
 void Play(std::string_view scenario, Clock::duration moment)
 {
+    CQActiveScheduler::instance(); // before the application makes any of Qt's statics
     auto application = std::make_unique<QGuiApplication>(argCount, args);
     if (scenario == "ApplicationIsDestroyed") {
-        KeepBusy();
-        sleep_for(moment);
+        Flood();
+        sleep_for(moment / 10);
         application.reset();
         sleep_for(moment);
+    } else if (scenario == "ForkedChild") {
+        Flood();
+        sleep_for(moment / 20);
+        PlayForkedChild(std::move(application));
     } else if (scenario == "ExitWithNoticesPending") {
         KeepBusy();
         sleep_for(moment);
         std::exit(0);
-    } else if (scenario == "RunNeverEnds") {
-        static std::atomic<bool> begun{false};
+    } else if (scenario == "RunUsesLocale") {
         AddReady([] {
-            begun = true;
-            sleep_for(1h);
+            for (const auto end = Clock::now() + 500ms; Clock::now() < end;) {
+                QLocale().toString(QTimeZone::systemTimeZone().offsetFromUtc({}));
+            }
         });
-        while (!begun) { // a run that has begun may still be there when its object goes
-            sleep_for(1ms);
-        }
+        AwaitRun();
+        sleep_for(moment);
+    } else if (scenario == "RunNeverEnds") {
+        AddReady([] { sleep_for(1h); });
+        AwaitRun(); // a run that has begun may still be there when its object goes
     } else if (scenario == "RunCallsExit") {
         AddReady([] {
             owner.latestEnd = Clock::now() + 1900ms;

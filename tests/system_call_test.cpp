@@ -11,8 +11,10 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+#include <ctime>
 #include <type_traits>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 TEST(SystemTime, CoarseSecondsCountMonthsAndDaysFromOne)
@@ -36,27 +38,15 @@ TEST(SystemTime, StampWrapsTheProductButNotTheSum)
 
 TEST(SystemCall, ClockOperationsFollowTheClock)
 {
+    // Far from UTC, so that its calendar cannot pass for the local one.
+    qputenv("TZ", "LOC-5:45");
+    tzset();
     const QDateTime now = QDateTime::currentDateTime();
-    EXPECT_NEAR(SystemTime::CoarseSeconds(now), CSystemCall::GetCurrentTimeToInt(), 5);
+    const QDateTime local = QDateTime::currentDateTimeUtc().addSecs(5 * 3600 + 45 * 60);
+    EXPECT_NEAR(SystemTime::CoarseSeconds(local), CSystemCall::GetCurrentTimeToInt(), 5);
     EXPECT_NEAR(SystemTime::Seconds(now), CSystemCall::GetCurrentTime(), 5);
     EXPECT_LE(CSystemCall::GetCurrentTimeStamp() - SystemTime::WrappedStamp(now), 5000U);
     EXPECT_EQ(0, CSystemCall::GetSysTimeBymmSec() % 1000);
-}
-
-TEST(SystemCall, FileSizesChangeUnitAboveAMegabyte)
-{
-    const auto exchange = [](unsigned int bytes, bool shortUnit) {
-        double value = -1;
-        CQWString unit;
-        CSystemCall::FileSizeExchange(bytes, value, unit, shortUnit);
-        return std::pair(value, std::wstring(unit));
-    };
-    using Shown = std::pair<double, std::wstring>;
-    EXPECT_EQ(Shown(1023, L"B"), exchange(1023, false));
-    EXPECT_EQ(Shown(1, L"KB"), exchange(1024, false));
-    EXPECT_EQ(Shown(1024, L"K"), exchange(1048576, true));
-    EXPECT_EQ(Shown(1048577 / 1048576.0, L"MB"), exchange(1048577, false));
-    EXPECT_EQ(Shown(4, L"M"), exchange(4194304, true));
 }
 
 TEST(SystemCall, ScreenAndInstallDiscNeedAnApplication)
@@ -78,18 +68,37 @@ TEST(SystemCall, ScreenAndInstallDiscNeedAnApplication)
         testing::ExitedWithCode(0), "");
 }
 
-TEST(SystemCall, LaunchingAnswers1AndReturnsAtOnce)
+TEST(SystemCall, LaunchingStartsAProcessAnswers1AndReturnsAtOnce)
 {
+    // How many children have been waited for is not told; that there was one, their memory tells.
+    const auto hadChild = [] {
+        rusage usage{};
+        getrusage(RUSAGE_CHILDREN, &usage);
+        return usage.ru_maxrss > 0;
+    };
+#ifdef __arm__
+    constexpr bool isTold = false; // not by the emulator
+#else
+    constexpr bool isTold = true;
+#endif
     QElapsedTimer timer;
     timer.start();
-    CQWString text;
-    for (const wchar_t* const command : {L"/bin/sleep \"60\"", L"/no/such/program", L"  "}) {
-        text.SetData(command);
-        EXPECT_EQ(2, CSystemCall::LaunchSysApp(&text) + CSystemCall::OpenFileByPhone(&text));
+    const auto launches = [&](bool starts, auto launch) {
+        const auto inChild = [&] {
+            _exit(!hadChild() && launch() == 1 && hadChild() == (starts && isTold) ? 0 : 1);
+        };
+        EXPECT_EXIT(inChild(), testing::ExitedWithCode(0), "");
+    };
+    CQWString command, dir;
+    for (const wchar_t* const text : {L"/bin/sleep 60", L"/no/such/program", L"  "}) {
+        command.SetData(text);
+        launches(text[0] == '/', [&] { return CSystemCall::LaunchSysApp(&command); });
+        launches(text[0] == '/', [&] { return CSystemCall::OpenFileByPhone(&command); });
     }
+    command.SetData(L"cat");
+    dir.SetData(L"/bin");
+    launches(true, [&] { return CSystemCall::LaunchAppByName(command, dir); });
     EXPECT_EQ(1, CSystemCall::LaunchSysApp(nullptr));
-    text.SetData(L"bin/cat");
-    EXPECT_EQ(1, CSystemCall::LaunchAppByName(text, CQWString()));
     EXPECT_LT(timer.elapsed(), 20000) << "neither the sleeper nor the reader was waited for";
 }
 
@@ -102,13 +111,13 @@ TEST(SystemCall, FixedResults)
                   S::OpenQueryWin(text, text, text, text), S::OpenQueryWinEx(text, 0, text, text),
                   S::LaunchSysApp(0, nullptr), S::OpenFileByPhone(0, nullptr),
                   S::MoveToSysDir(0, &text, &text, text), S::OpenMemorySelDialog(0, text)});
-    EXPECT_TRUE(S::IsClipBoardEmpty() && S::IsInTimespace(2, 1));
-    EXPECT_FALSE(S::ProcessIsExist(text) || S::IsQwertyKeyboardSupported());
+    EXPECT_EACH(S::IsClipBoardEmpty(), S::IsInTimespace(2, 1));
+    EXPECT_NONE(S::ProcessIsExist(text), S::IsQwertyKeyboardSupported());
     EXPECT_EQ(0, S::OpenResource(text) | S::LaunchAppByMIME(CQSString(), text) |
                      S::GetMachineUID() | S::GetDefaultTextColorForSystemTheme());
     EXPECT_EQ(0xFF0000, S::GetDefaultFrameColorForSystemTheme());
     S::GetFileSizeString(1.0, size, text, 1);
     S::GetTextFromClipBoardL(text);
-    EXPECT_TRUE(text.IsEmpty() && size == "kept");
+    EXPECT_EACH(text.IsEmpty(), size == "kept");
     static_assert(std::has_virtual_destructor_v<S> && sizeof(S) == sizeof(void*));
 }

@@ -1,13 +1,16 @@
-// Includes every installed header as C++17 and checks that bytes above 0x7F come out the same
-// whether this client's char is signed or not. The argument says which it should be.
+// Includes every installed header and checks that bytes above 0x7F come out the same whether this
+// client's char is signed or not, and that library and client see one application object. The
+// argument says which sign it should be.
 
 #include <EveryHeader.h>
+
+#include <QCoreApplication>
 
 #include <cstdio>
 #include <cstring>
 #include <string>
 
-static_assert(__cplusplus == 201703L, "this client is built as C++17");
+static_assert(__cplusplus >= 201703L, "this client is built as C++17 or later");
 
 namespace
 {
@@ -28,7 +31,8 @@ std::string Run()
     text.SetData("\xC4rger \xFF"); // Latin-1
     CQSString hash;
     text.ToHashString(hash);
-    const bool ordered = text.Compare("z") > 0 && text.Find('\xFF') == 6;
+    const bool ordered =
+        text.Compare("z") > 0 && text.Find('\xFF') == 6 && !(text != CQSString(text));
     text.MakeLower();
     CQSString upper(text);
     upper.MakeUpper();
@@ -52,6 +56,11 @@ int main(int argc, char** argv)
     if (argc != 2 || isSigned != (std::strcmp(argv[1], "signed") == 0)) {
         std::fprintf(stderr, "client: built with %s char\n", isSigned ? "signed" : "unsigned");
         return 2;
+    }
+    const QCoreApplication application(argc, argv);
+    if (QCoreApplication::instance() != &application) {
+        std::fprintf(stderr, "client: the platform does not see the application object\n");
+        return 1;
     }
     // Latin-1 case mapping and the hash, -2122079644, were computed in Python.
     const std::string expected = "\xE4\x80\xE4rger \xFF\xC4RGER \xFF\xFE-2122079644+unsafe";

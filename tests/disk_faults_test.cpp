@@ -1,0 +1,393 @@
+// Every call to the system that touches the disk is made to fail in turn, once and from there on:
+// whatever is lost must show in a result or in HasFailed(), and what is to stay must stay.
+
+#include "TempDir.h"
+#include "TestPrelude.h"
+
+#include <CQFile.h>
+#include <CQFileUtils.h>
+#include <CQSaveFile.h>
+#include <CQWString.h>
+#include <CQZipFile.h>
+#include <DataInputStream.h>
+#include <DataOutputStream.h>
+#include <FileInputStream.h>
+#include <FileOutputStream.h>
+
+#include <cerrno>
+#include <csignal>
+#include <map>
+
+#include <dlfcn.h>
+#include <sys/resource.h>
+#include <unistd.h>
+#include <zlib.h>
+
+using namespace std::string_view_literals;
+
+namespace
+{
+
+constexpr int ShortWrite = -1;
+
+// What happens to the n-th call, and, when it lasts, to all later ones of the same kind.
+struct Fault {
+    int n = 0;
+    int error = 0;
+    bool lasts = false;
+    int calls = 0;
+    std::string kind = {};
+};
+
+Fault* fault = nullptr;                            // while calls are counted
+std::function<void(const std::string&)> interlude; // happens before each call
+
+bool Strikes(const char* kind)
+{
+    if (interlude) {
+        const auto happens = std::exchange(interlude, nullptr);
+        happens(kind);
+        interlude = happens;
+    }
+    if (fault == nullptr) {
+        return false;
+    }
+    const bool isFirst = ++fault->calls == fault->n;
+    if (isFirst) {
+        fault->kind = kind;
+    }
+    errno = fault->error;
+    return (isFirst || (fault->lasts && fault->kind == kind)) &&
+           (fault->error != ShortWrite || fault->kind == "write");
+}
+
+} // namespace
+
+// Takes the place of a function of the C library, for Qt and the library too.
+#define INTERPOSE(Result, name, parameters, works, fails)                                          \
+    __attribute__((visibility("default"))) Result Faulty_##name parameters __asm__(#name);         \
+    Result Faulty_##name parameters                                                                \
+    {                                                                                              \
+        using Function = Result parameters;                                                        \
+        [[maybe_unused]] static auto* const real =                                                 \
+            reinterpret_cast<Function*>(dlsym(RTLD_NEXT, #name));                                  \
+        return Strikes(#name) ? (fails) : (works);                                                 \
+    }
+
+using Path = const char*;
+INTERPOSE(int, open64, (Path p, int flags, mode_t mode), real(p, flags, mode), -1)
+INTERPOSE(int, openat64, (int at, Path p, int flags, mode_t mode), real(at, p, flags, mode), -1)
+INTERPOSE(int, close, (int fd), real(fd), (real(fd), -1))
+INTERPOSE(ssize_t, read, (int fd, void* to, size_t n), real(fd, to, n), -1)
+INTERPOSE(ssize_t, write, (int fd, const void* from, size_t n), real(fd, from, n),
+          fault->error == ShortWrite ? real(fd, from, n / 2) : -1)
+INTERPOSE(ssize_t, sendfile, (int to, int from, off_t* at, size_t n), real(to, from, at, n), -1)
+INTERPOSE(int, ftruncate64, (int fd, off64_t size), real(fd, size), -1)
+INTERPOSE(int, fsync, (int), 0, -1)
+INTERPOSE(int, fdatasync, (int), 0, -1)
+INTERPOSE(int, mkdir, (Path p, mode_t mode), real(p, mode), -1)
+INTERPOSE(int, rename, (Path from, Path to), real(from, to), -1)
+INTERPOSE(int, renameat2, (int f, Path from, int t, Path to, unsigned flags),
+          to == "elsewhere"sv ? (errno = EXDEV, -1) : real(f, from, t, to, flags), -1)
+INTERPOSE(int, linkat, (int f, Path from, int t, Path to, int flags), real(f, from, t, to, flags),
+          -1)
+INTERPOSE(int, unlink, (Path p), real(p), -1)
+INTERPOSE(int, unlinkat, (int at, Path p, int flags), real(at, p, flags), -1)
+INTERPOSE(int, rmdir, (Path p), real(p), -1)
+INTERPOSE(int, compress2, (Bytef * to, uLongf* size, const Bytef* from, uLong n, int level),
+          real(to, size, from, n, level), Z_MEM_ERROR)
+
+namespace
+{
+
+using F = CQFile;
+using U = CQFileUtils;
+using Files = std::map<std::string, std::string>;
+
+std::string Lines(int count)
+{
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += std::to_string(i * i) + '\n';
+    }
+    return text;
+}
+
+const std::string Old = Lines(3000); // more than the platform gathers before it writes
+const std::string New = Lines(4000);
+const std::string Tail = "tail";
+
+std::string Zipped(const std::string& text)
+{
+    return qCompress(QByteArray::fromStdString(text)).toStdString();
+}
+
+unsigned char* Bytes(const std::string& text)
+{
+    return reinterpret_cast<unsigned char*>(const_cast<char*>(text.data()));
+}
+
+void Write(CQFile& file, const std::string& text)
+{
+    file.Write(text.data(), static_cast<unsigned int>(text.size()));
+}
+
+bool WriteAndClose(CQFile& file, const std::string& text)
+{
+    Write(file, text);
+    file.Close();
+    return !file.HasFailed();
+}
+
+bool WriteTo(const wchar_t* path, unsigned int mode, const std::string& text)
+{
+    CQFile file;
+    file.Open(path, mode);
+    Write(file, text);
+    return WriteAndClose(file, Tail);
+}
+
+bool WriteThroughCache()
+{
+    CQFile file;
+    file.OpenWithWriteCache(CQWString(QDir("d/e/new").absolutePath()), 1, 10);
+    for (int i = 0; i < 4; ++i) {
+        Write(file, Tail);
+    }
+    const bool synced = file.Sync();
+    EXPECT_TRUE(!synced || QFileInfo("d/e/new").size() == 16);
+    return WriteAndClose(file, Tail) && synced;
+}
+
+bool ReadCutWrite()
+{
+    CQFile file;
+    std::string text(Old.size(), '\0');
+    const bool opened = file.Open(L"old", 2) == 1;
+    file.Read(text.data(), static_cast<unsigned int>(text.size()));
+    EXPECT_TRUE(file.HasFailed() || text == Old);
+    const bool cut = opened && file.SetSize(4) && file.SeekToEnd();
+    return WriteAndClose(file, Tail) && cut;
+}
+
+bool Save()
+{
+    CQSaveFile file;
+    file.Open(L"old");
+    file.Write(New.data(), static_cast<unsigned int>(New.size()));
+    file.Write(Tail.data(), 4);
+    return file.Commit() == 1;
+}
+
+bool WriteBlock()
+{
+    CQZipFile zip;
+    auto* bytes = Bytes(New);
+    int length = static_cast<int>(New.size());
+    zip.Write(&bytes, &length, L"new");
+    const bool synced = zip.Sync();
+    // Made in the run without faults, since it goes through the same calls.
+    static const auto size = static_cast<qint64>(Zipped(New).size());
+    EXPECT_TRUE(!synced || QFileInfo("new").size() == size);
+    zip.Close();
+    return synced && !zip.HasFailed();
+}
+
+bool ReadBlock()
+{
+    CQZipFile zip;
+    QByteArray block;
+    const bool read = zip.Read(block, L"zip") == 1;
+    EXPECT_EQ(read, block.toStdString() == Old);
+    return !zip.HasFailed();
+}
+
+bool WriteStream()
+{
+    OrvoStream::FileOutputStream file(CQWString(QStringLiteral("new")));
+    DataOutputStream out(file);
+    for (std::size_t at = 0; at < New.size(); at += 9000) {
+        out << New.substr(at, 9000).c_str();
+    }
+    out.Flush();
+    out.Close();
+    return !out.HasFailed();
+}
+
+bool ReadStream()
+{
+    OrvoStream::FileInputStream file(CQWString(QStringLiteral("old")));
+    OrvoStream::DataInputStream in(file);
+    int length = 20000;
+    const std::unique_ptr<char[]> bytes(in.ReadBytes(length));
+    EXPECT_TRUE(in.HasFailed() || Old.starts_with(std::string(bytes.get(), 20000)));
+    return !in.HasFailed();
+}
+
+bool MakeFile()
+{
+    QFile file;
+    const bool made = U::MkFile(file, "made/dir/new", QFile::ReadOwner) == 1 && file.isOpen();
+    return made && file.write("x") == 1 && file.flush();
+}
+
+// What holds of the files that differ, whatever happens, besides that every loss is told.
+enum Promise { Nothing, Prefix, Atomic };
+
+const struct Script {
+    const char* name;
+    bool (*run)(); // whether it was told of no failure
+    Files after;   // what differs then; empty: gone
+    Promise promise = Nothing;
+} scripts[] = {
+    {"write", [] { return WriteTo(L"new", 1, New); }, {{"new", New + Tail}}},
+    {"write through a cache", WriteThroughCache, {{"d/e/new", Tail + Tail + Tail + Tail + Tail}}},
+    {"append", [] { return WriteTo(L"old", 3, New); }, {{"old", Old + New + Tail}}},
+    {"read, cut, write", ReadCutWrite, {{"old", "0\n1\n" + Tail}}},
+    {"save", Save, {{"old", New + Tail}}, Atomic},
+    {"replace a block",
+     [] { return CQZipFile().Replace(Bytes(New), static_cast<int>(New.size()), L"zip") == 1; },
+     {{"zip", Zipped(New)}},
+     Atomic},
+    {"write a block", WriteBlock, {{"new", Zipped(New)}}},
+    {"read a block", ReadBlock, {}},
+    {"write a stream", WriteStream, {{"new", New}}, Prefix},
+    {"read a stream", ReadStream, {{"old", Old}}}, // which a failed open may remove
+    {"rename",
+     [] { return F::RenameFile(L"old", L"moved") == 1; },
+     {{"old", ""}, {"moved", Old}},
+     Atomic},
+    {"move to another file system",
+     [] { return F::RenameFile(L"old", L"elsewhere") == 1; },
+     {{"old", ""}, {"elsewhere", Old}},
+     Atomic},
+    {"copy", [] { return F::CopyFile(L"old", L"copy") == 1; }, {{"copy", Old}}, Atomic},
+    {"delete", [] { return F::DeleteFile(L"zip") == 1; }, {{"zip", ""}}, Atomic},
+    {"delete a tree",
+     [] { return F::RecursiveDelDir(L"tree") == 1; },
+     {{"tree/a/b/file", ""}, {"tree/c", ""}},
+     Atomic},
+    {"make a file", MakeFile, {{"made/dir/new", "x"}}},
+};
+
+// Every script begins with this.
+void LayOut(const TempDir& dir)
+{
+    dir.Put("old", QByteArray::fromStdString(Old));
+    dir.Put("tree/a/b/file");
+    dir.Put("tree/c");
+    dir.Put("zip", QByteArray::fromStdString(Zipped(Old)));
+}
+
+// Everything in the files, without the directories.
+Files Present(const TempDir& dir)
+{
+    Files files;
+    for (QDirIterator it(".", QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+         it.hasNext();) {
+        const QString name = it.next().mid(2);
+        files[name.toStdString()] = dir.Get(name);
+    }
+    return files;
+}
+
+// Runs the script with the fault; false when there was no n-th call.
+bool RunWith(Fault strike, const Script& script)
+{
+    const TempDir dir;
+    LayOut(dir);
+    Files before = Present(dir);
+    fault = &strike;
+    const bool toldOfNone = script.run();
+    fault = nullptr;
+    SCOPED_TRACE(testing::Message() << script.name << ", error " << strike.error << ", call "
+                                    << strike.n << ' ' << strike.kind << strike.lasts);
+    Files found = Present(dir);
+    EXPECT_TRUE(script.promise != Atomic ||
+                found.count("old") + found.count("moved") + found.count("elsewhere") > 0);
+    Files named = script.after;
+    named.insert(before.begin(), before.end());
+    for (const auto& [name, after] : named) {
+        SCOPED_TRACE(name);
+        const bool isPrefix = script.promise == Prefix && after.starts_with(found[name]);
+        const bool mayBeAnything = script.promise == Nothing && script.after.count(name) == 1;
+        EXPECT_TRUE(found[name] == after ||
+                    (!toldOfNone && (mayBeAnything || isPrefix || found[name] == before[name])));
+    }
+    for (const auto& file : found) {
+        EXPECT_TRUE(!toldOfNone || named.count(file.first) == 1) << file.first;
+    }
+    EXPECT_TRUE(toldOfNone || strike.calls >= strike.n);
+    return strike.calls >= strike.n;
+}
+
+} // namespace
+
+TEST(DiskFaults, EachLossIsToldAndWhatIsToStayStays)
+{
+    for (const Script& script : scripts) {
+        for (const int error : {EIO, ENOSPC, EMFILE, ShortWrite}) {
+            for (const bool lasts : {false, true}) {
+                for (int n = 1; RunWith({n, error, lasts}, script); ++n) {
+                }
+            }
+        }
+    }
+}
+
+TEST(DiskFaults, AFileThatVanishesOrIsSwappedLeadsNowhereElse)
+{
+    const TempDir dir{"keep/file"};
+    LayOut(dir);
+    interlude = [](const std::string& kind) { kind == "open64" ? unlink("old") : 0; };
+    CQFile file;
+    EXPECT_EQ(0, file.Open(L"old", 0));
+    EXPECT_TRUE(file.HasFailed());
+    // Between the look at the tree and the step into it, a directory becomes a link.
+    interlude = [](const std::string& kind) {
+        if (kind == "openat64" && QFileInfo("tree/a/b").isDir() && QDir().rename("tree/a", "a")) {
+            EXPECT_TRUE(QFile::link("../keep", "tree/a"));
+        }
+    };
+    EXPECT_EQ(0, F::RecursiveDelDir(L"tree"));
+    EXPECT_EQ("x", dir.Get("keep/file"));
+    // What has gone by itself keeps nothing from being removed.
+    interlude = [](const std::string& kind) { kind == "unlinkat" ? unlink("keep/file") : 0; };
+    EXPECT_EQ(1, F::RecursiveDelDir(L"keep"));
+    interlude = nullptr;
+}
+
+TEST(DiskFaults, ALimitOnTheSizeOfFilesIsTold)
+{
+    const TempDir dir;
+    LayOut(dir);
+    signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{30000, RLIM_INFINITY};
+    ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &limit));
+    CQFile file;
+    EXPECT_EQ(1, file.Open(L"new", 1));
+    Write(file, New);
+    EXPECT_TRUE(file.HasFailed());
+    EXPECT_FALSE(Save());
+    EXPECT_EQ(Old, dir.Get("old"));
+}
+
+TEST(DiskFaults, WithoutTheRightsNothingIsLostOrLeft)
+{
+    const TempDir dir;
+    LayOut(dir);
+    const Files before = Present(dir);
+    const QString path = QDir::currentPath();
+    ASSERT_EQ(0, chmod("old", 0444));
+    ASSERT_EQ(0, chmod(path.toUtf8(), 0555));
+    const auto tryAll = [] {
+        bool told = geteuid() != 0 || setuid(65534) == 0;
+        for (const Script& script : scripts) {
+            told = (script.run == ReadStream || !script.run()) && told;
+        }
+        _exit(told ? 0 : 1);
+    };
+    EXPECT_EXIT(tryAll(), testing::ExitedWithCode(0), "");
+    chmod(path.toUtf8(), 0755);
+    EXPECT_EQ(before, Present(dir));
+}

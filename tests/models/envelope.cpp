@@ -1,0 +1,153 @@
+// The envelope against its format written out block by block; a block is a big-endian number.
+
+#include "Model.h"
+
+#include <CCrypt.h>
+
+#include <algorithm>
+#include <climits>
+#include <vector>
+
+namespace
+{
+
+using Block = std::uint64_t;
+
+struct Cipher {
+    std::string key;
+    int encryptArith = 1, decryptArith = 0;
+
+    std::uint32_t Mix(std::uint32_t v, std::uint32_t sum, std::size_t k) const
+    {
+        std::uint32_t words[2] = {};
+        for (std::size_t i = 0; i < 8; ++i) {
+            words[i / 4] = words[i / 4] << 8 | static_cast<unsigned char>(key[k + i]);
+        }
+        return ((v << 4) + words[0]) ^ (v + sum) ^ ((v >> 5) + words[1]);
+    }
+
+    Block Cycles(Block block, bool encipher) const
+    {
+        auto y = static_cast<std::uint32_t>(block >> 32), z = static_cast<std::uint32_t>(block);
+        for (std::uint32_t cycle = 1; cycle <= 16; ++cycle) {
+            if (encipher) {
+                y += Mix(z, cycle * 0x9E3779B9, 0);
+                z += Mix(y, cycle * 0x9E3779B9, 8);
+            } else {
+                z -= Mix(y, (17 - cycle) * 0x9E3779B9, 8);
+                y -= Mix(z, (17 - cycle) * 0x9E3779B9, 0);
+            }
+        }
+        return Block{y} << 32 | z;
+    }
+
+    /// All whole blocks through the feedback mode, whatever they hold.
+    std::string Run(const std::string& in, bool encipher) const
+    {
+        std::string out;
+        for (Block lastCipher = 0, lastInput = 0; out.size() + 8 <= in.size();) {
+            Block block = 0;
+            for (std::size_t i = 0; i < 8; ++i) {
+                block = block << 8 | static_cast<unsigned char>(in[out.size() + i]);
+            }
+            const Block input = encipher ? block ^ lastCipher : Cycles(block ^ lastInput, false);
+            const Block made = encipher ? Cycles(input, true) ^ lastInput : input ^ lastCipher;
+            lastCipher = encipher ? made : block;
+            lastInput = input;
+            for (int shift = 56; shift >= 0; shift -= 8) {
+                out += static_cast<char>(made >> shift);
+            }
+        }
+        return out;
+    }
+
+    int FindSize(int length) const
+    {
+        const long long size = (length + 10LL + 7) & ~7LL;
+        return encryptArith > 1 || size > INT_MAX ? 0 : static_cast<int>(size);
+    }
+};
+
+unsigned char* Unsigned(std::string& bytes)
+{
+    return reinterpret_cast<unsigned char*>(bytes.data());
+}
+
+void CheckEncrypt(const CCrypt& crypt, const Cipher& model, std::string payload, bool inPlace)
+{
+    const auto length = static_cast<int>(payload.size());
+    std::string out = payload + std::string(20, '\xEE');
+    const std::string before = out;
+    int size = -7;
+    crypt.Encrypt(Unsigned(inPlace ? out : payload), length, Unsigned(out), size);
+    MODEL_CHECK(size == (model.encryptArith == 0 ? model.FindSize(length) : -7));
+    const std::size_t written = size > 0 ? static_cast<std::size_t>(size) : 0;
+    MODEL_CHECK(out.substr(written) == before.substr(written));
+    if (written > 0) {
+        // The random part is read back; everything else is fixed.
+        const std::string plain = model.Run(out.substr(0, written), false);
+        MODEL_CHECK((plain[0] & 7) == size - length - 10);
+        MODEL_CHECK(plain.substr(written - payload.size() - 7) == payload + std::string(7, '\0'));
+        MODEL_CHECK(model.Run(plain, true) == out.substr(0, written));
+    }
+}
+
+void CheckDecrypt(const CCrypt& crypt, const Cipher& model, std::string envelope, int room,
+                  bool inPlace)
+{
+    const auto size = static_cast<int>(envelope.size());
+    const std::string plain = model.Run(envelope, false);
+    const int length = size - 10 - (plain.empty() ? 0 : plain[0] & 7);
+    const bool runs =
+        model.decryptArith == 0 && size >= 16 && size % 8 == 0 && length >= 0 && length <= room;
+    const bool opens = runs && plain.substr(plain.size() - 7) == std::string(7, '\0');
+    std::string out = inPlace ? envelope : std::string(envelope.size(), '\xEE');
+    std::string expected = out;
+    if (runs) { // also when the trailer is wrong
+        std::copy(plain.end() - 7 - length, plain.end() - 7, expected.begin());
+    }
+    int outLen = room;
+    MODEL_CHECK(crypt.Decrypt(Unsigned(inPlace ? out : envelope), size, Unsigned(out), outLen) ==
+                opens);
+    MODEL_CHECK(outLen == (runs ? length : room));
+    MODEL_CHECK(out == expected);
+}
+
+} // namespace
+
+void DriveModel(ByteSource& source)
+{
+    const int flags = source.Byte();
+    Cipher model{std::string(16, static_cast<char>(source.Byte())), flags & 1, flags >> 1 & 1};
+    CCrypt crypt(Unsigned(model.key), static_cast<unsigned char>(model.encryptArith),
+                 static_cast<unsigned char>(model.decryptArith));
+    if ((flags & 4) != 0) {
+        crypt = CCrypt();
+        model = {std::string(16, '\0'), 1, 0};
+    }
+    while (!source.IsEmpty()) {
+        const int operation = source.Between(0, 7);
+        std::string bytes = source.Bytes(operation == 0 ? 32 : 255);
+        if (operation == 0) {
+            crypt.SetKey(Unsigned(bytes), static_cast<int>(bytes.size()));
+            model.key = bytes.size() == 16 ? bytes : model.key;
+        } else if (operation == 1) {
+            model.encryptArith = source.Between(0, 2);
+            model.decryptArith = source.Between(0, 1);
+            crypt.SetArith(static_cast<unsigned char>(model.encryptArith),
+                           static_cast<unsigned char>(model.decryptArith));
+            const auto length = static_cast<int>(source.Word());
+            MODEL_CHECK(crypt.FindEncryptSize(length) == model.FindSize(length));
+        } else if (operation <= 3) {
+            CheckEncrypt(crypt, model, bytes, operation == 2);
+        } else {
+            if (operation >= 6) { // any header and fill, a trailer that is mostly right
+                bytes.resize((bytes.size() + 17) / 8 * 8);
+                bytes.back() = static_cast<char>(source.Byte() % 4 == 0 ? source.Byte() : 0);
+                bytes = model.Run(bytes, true);
+            }
+            const int room = static_cast<int>(bytes.size()) - source.Between(0, 20);
+            CheckDecrypt(crypt, model, bytes, room, operation % 2 == 0);
+        }
+    }
+}

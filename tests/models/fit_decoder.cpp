@@ -1,0 +1,151 @@
+// The fitting decoder beside the plain rules: what is masked, what is announced, what stays busy,
+// and at which size an image is shown.
+
+#include "Pictures.h"
+
+#include <CQBImageDecode.h>
+#include <CQWString.h>
+
+#include <cmath>
+
+namespace
+{
+
+struct Reference {
+    QSize screen{-1, -1};
+    bool isFit = true;
+    bool isBusy = false;
+    bool isFetched = true; // whether the images of the last decode are ours
+};
+
+int FitSide(int side, double ratio)
+{
+    const double fit = ratio >= 1.0 ? side / ratio : side * ratio;
+    return int(std::clamp<double>(fit, INT_MIN, INT_MAX));
+}
+
+// False without a size, and then `fit` stays.
+bool FitSize(QSize size, QSize screen, QSize& fit)
+{
+    if (size.width() < 1 || size.height() < 1) {
+        return false;
+    }
+    const auto ratio = [](int side, int limit) {
+        return limit == 0 ? HUGE_VAL : double(side) / limit;
+    };
+    const double rw = ratio(size.width(), screen.width());
+    const double rh = ratio(size.height(), screen.height());
+    fit = size.width() <= screen.width() ? size
+          : rw > rh                      ? QSize(screen.width(), FitSide(size.height(), rw))
+          : rw == rh                     ? screen
+                                         : QSize(FitSide(size.width(), rh), screen.height());
+    return true;
+}
+
+// Whether the image is read anew, as if its fitted copy's raw pixels were a file.
+bool Resize(QImage& image, QSize screen)
+{
+    QSize fit;
+    if (!FitSize(image.size(), screen, fit) || fit == image.size()) {
+        return false;
+    }
+    const QImage copy = fit.isValid() ? image.scaled(fit) : QImage();
+    const QImage loaded = Pictures::Decoded(
+        {QByteArray(reinterpret_cast<const char*>(copy.constBits()), int(copy.sizeInBytes()))});
+    image = loaded.isNull() ? image : loaded;
+    return true;
+}
+
+int Side(ByteSource& source)
+{
+    return source.Flag() ? source.Between(-2, 12) : int(source.Word());
+}
+
+void Decode(ByteSource& source, CQBImageDecode& decoder, Pictures::Recorder& recorder,
+            Reference& reference)
+{
+    static const QTemporaryDir place;
+    const QString names[] = {place.filePath("a"), place.filePath("a.pNg"), place.filePath("apng")};
+    const QString name = names[source.Between(0, 2)];
+    const Pictures::Picture picture = Pictures::Any(source);
+    Pictures::Put(name, picture.bytes);
+    QImage image = Pictures::Decoded(picture);
+    const bool isMasked = name.endsWith(".pNg") || image.hasAlphaChannel();
+    const QImage mask = image.convertToFormat(QImage::Format_Indexed8);
+
+    const bool isRefused = source.Between(0, 7) == 0;
+    CQWString path{isRefused ? "NoPic.BMP"
+                             : QString(name).replace('/', source.Flag() ? '/' : '\\')};
+    const int id = source.Byte();
+    const bool isFit = source.Flag();
+    const int operation = source.Between(0, 2);
+    recorder.told.clear();
+    const int result = operation == 0   ? decoder.DecodeImgFileL(&path, id, isFit)
+                       : operation == 1 ? decoder.DecodeImgFile(&path, id, isFit)
+                                        : decoder.DecodeImgFileSpecDispMode(path, id, isFit);
+    MODEL_CHECK(isRefused || path == CQWString(name));
+    if (operation != 0 && reference.isBusy) {
+        MODEL_CHECK(result == 0);
+        return;
+    }
+    reference.isFit = operation == 0 ? reference.isFit : isFit;
+    if (isRefused) {
+        MODEL_CHECK(result == 0 && recorder.told.empty());
+        return;
+    }
+    reference.isBusy = isMasked && operation == 0;
+    const bool isResized = !isMasked && reference.isFit && Resize(image, reference.screen);
+    MODEL_CHECK(result == (isMasked ? 0 : 1));
+    MODEL_CHECK(decoder.GetFileName() == CQWString(name));
+    MODEL_CHECK(recorder.told == Pictures::Told(isMasked || isResized ? 0 : 1, {1, id, 0}));
+    reference.isFetched = source.Flag();
+    if (!reference.isFetched) {
+        return; // the next decode deletes them
+    }
+    const std::unique_ptr<QImage> own(decoder.GetImage()), ownMask(decoder.GetMaskImage());
+    MODEL_CHECK(decoder.GetImage() == own.get()); // it is not given up
+    MODEL_CHECK(Pictures::AreSame(own.get(), isMasked ? nullptr : &image));
+    MODEL_CHECK(Pictures::AreSame(ownMask.get(), isMasked ? &mask : nullptr));
+}
+
+void Fit(ByteSource& source, CQBImageDecode& decoder, Reference& reference)
+{
+    QSize fit(-7, -7), expected(-7, -7);
+    const int width = Side(source), height = Side(source);
+    const bool fits = FitSize({width, height}, reference.screen, expected);
+    MODEL_CHECK(decoder.GetFitScreenSize({width, height}, fit) == (fits ? 1 : 0));
+    MODEL_CHECK(fit == expected);
+    // The start of a grey map, or of any other picture, may stand in the pixels.
+    QByteArray pixels = source.Flag() ? Pictures::Any(source).bytes : QByteArray("P5 2 1 255 ab");
+    const int length = std::clamp(int(pixels.size()), 1, 2000);
+    pixels.resize(length);
+    QImage image(length, 1, QImage::Format_Grayscale8);
+    std::copy(pixels.begin(), pixels.end(), image.bits());
+    image = image.scaled(length * 2, 2);
+    QImage resized = image;
+    const bool acts = Resize(resized, reference.screen);
+    MODEL_CHECK(decoder.ResizeImageToFitScreen(&image) == (acts ? 1 : 0));
+    MODEL_CHECK(Pictures::AreSame(&image, &resized));
+    reference.isBusy = reference.isBusy && !acts;
+}
+
+} // namespace
+
+void DriveModel(ByteSource& source)
+{
+    Pictures::Recorder recorder;
+    Reference reference;
+    const std::unique_ptr<CQBImageDecode> decoder(CQBImageDecode::NewL(enFormat_RGB16, &recorder));
+    for (int steps = 0; steps < 8 && !source.IsEmpty(); ++steps) {
+        if (source.Between(0, 3) == 0) {
+            reference.screen = QSize(Side(source), Side(source));
+            decoder->SetScreenSize(reference.screen);
+        }
+        Decode(source, *decoder, recorder, reference);
+        Fit(source, *decoder, reference);
+    }
+    if (!reference.isFetched) {
+        delete decoder->GetImage();
+        delete decoder->GetMaskImage();
+    }
+}

@@ -1,0 +1,109 @@
+// The plain decoder beside what Qt makes of the same pictures: which slot an operation fills, what
+// it converts, and what it tells.
+
+#include "Pictures.h"
+
+#include <CQImageDecode.h>
+#include <CQSString.h>
+#include <CQWString.h>
+
+#include <optional>
+
+namespace
+{
+
+using Slot = std::optional<QImage>;
+
+// What can be told of a decoder from outside.
+struct Reference {
+    Slot image, mask;
+    int id = 0;
+    CQWString name;
+};
+
+QImage Converted(const QImage& image, int mode)
+{
+    return mode > 0 && mode < QImage::NImageFormats
+               ? image.convertToFormat(static_cast<QImage::Format>(mode))
+               : QImage();
+}
+
+void CheckSlot(std::unique_ptr<QImage> own, Slot& expected)
+{
+    MODEL_CHECK(Pictures::AreSame(own.get(), expected ? &*expected : nullptr));
+    expected.reset();
+}
+
+void TakeImages(ByteSource& source, CQImageDecode& decoder, Reference& reference)
+{
+    QImage *image = nullptr, *mask = nullptr;
+    const int operation = source.Between(0, 2);
+    if (operation == 0) {
+        CheckSlot(std::unique_ptr<QImage>(decoder.GetImage()), reference.image);
+    } else if (operation == 1) {
+        MODEL_CHECK(decoder.GetImageFromPng(&image, &mask) == 1);
+        CheckSlot(std::unique_ptr<QImage>(image), reference.image);
+        CheckSlot(std::unique_ptr<QImage>(mask), reference.mask);
+    } else {
+        MODEL_CHECK(decoder.GetImageFromPng(&image, nullptr) == 0);
+    }
+}
+
+// The names under which one file can be given, by directory and name or as one path.
+struct Names {
+    QTemporaryDir place;
+    CQWString dir{QString(place.path() + '/')}, name{QString("picture")};
+    CQWString path{QString(place.filePath("picture"))};
+};
+
+void Decode(ByteSource& source, CQImageDecode& decoder, Pictures::Recorder& recorder,
+            Reference& reference, int mode)
+{
+    static Names names;
+    Pictures::Picture picture = Pictures::Any(source);
+    const QImage image = Pictures::Decoded(picture);
+    const int operation = source.Between(0, 5);
+    const int id = source.Byte();
+    const bool isFile = operation < 4, isConverted = operation == 0 || operation == 2;
+    CQSString data, format;
+    data.AppendData(reinterpret_cast<unsigned char*>(picture.bytes.data()),
+                    int(picture.bytes.size()));
+    format.AppendData("x");
+    if (isFile) {
+        Pictures::Put(names.place.filePath("picture"), picture.bytes);
+        reference.id = id;
+        reference.name = isConverted ? names.path : names.name;
+    }
+    recorder.told.clear();
+    const int result = operation == 0   ? decoder.DecodeImgFileL(&names.path, id)
+                       : operation == 1 ? decoder.DecodeImgFileL(&names.dir, &names.name, id)
+                       : operation == 2 ? decoder.DecodePngFileL(&names.path, id)
+                       : operation == 3 ? decoder.DecodePngFileL(&names.dir, &names.name, id)
+                       : operation == 4 ? decoder.DecodePngBufL(data, id)
+                                        : decoder.DecodeImgBufL(data, format, id);
+    const bool runs = isFile || !data.IsEmpty();
+    MODEL_CHECK(result == (runs ? 1 : 0));
+    if (runs && operation != 4) {
+        reference.image = isConverted ? Converted(image, mode) : image;
+    }
+    if (runs && operation >= 2 && operation <= 4) {
+        reference.mask = isFile ? Converted(image, QImage::Format_Indexed8) : image;
+    }
+    const int hasAlpha = operation == 3 && image.hasAlphaChannel() ? 1 : 0;
+    MODEL_CHECK(recorder.told == Pictures::Told(runs ? 1 : 0, {1, reference.id, hasAlpha}));
+    MODEL_CHECK(decoder.GetFileName() == reference.name);
+}
+
+} // namespace
+
+void DriveModel(ByteSource& source)
+{
+    Pictures::Recorder recorder;
+    Reference reference;
+    const int mode = source.Between(-1, QImage::NImageFormats);
+    const std::unique_ptr<CQImageDecode> decoder(CQImageDecode::NewL(mode, &recorder));
+    for (int steps = 0; steps < 8 && !source.IsEmpty(); ++steps) {
+        Decode(source, *decoder, recorder, reference, mode);
+        TakeImages(source, *decoder, reference);
+    }
+}
