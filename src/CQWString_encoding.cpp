@@ -1,6 +1,6 @@
 #include "CQWString.h"
 
-#include "CQSString.h"
+#include "CQSStringBuffer.h"
 #include "CStrConvertor.h"
 #include "TextUnits.h"
 #include "Utf16Unit.h"
@@ -11,6 +11,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string_view>
 
 namespace
 {
@@ -133,16 +134,16 @@ struct TextCount {
 
 TextCount CountText(const unsigned char* p, const unsigned char* end)
 {
-    // In pieces whose counts fit 32 bits, so that the compiler vectorises the loop.
-    constexpr std::ptrdiff_t Piece = 1 << 20;
+    // In pieces whose counts fit a byte, so that the compiler counts sixteen bytes at once.
+    constexpr std::ptrdiff_t Piece = 240;
     TextCount count;
     while (p != end) {
         const std::ptrdiff_t nSize = std::min(end - p, Piece);
-        unsigned nCharacters = 0;
-        unsigned nBeyondBmp = 0;
+        unsigned char nCharacters = 0;
+        unsigned char nBeyondBmp = 0;
         for (std::ptrdiff_t i = 0; i < nSize; ++i) {
-            nCharacters += (p[i] & 0xC0) != 0x80 ? 1U : 0U;
-            nBeyondBmp += p[i] >= 0xF0 ? 1U : 0U;
+            nCharacters = static_cast<unsigned char>(nCharacters + ((p[i] & 0xC0) != 0x80 ? 1 : 0));
+            nBeyondBmp = static_cast<unsigned char>(nBeyondBmp + (p[i] >= 0xF0 ? 1 : 0));
         }
         count.nCharacters += nCharacters;
         count.nBeyondBmp += nBeyondBmp;
@@ -161,46 +162,86 @@ qint64 CapacityAfterBoth(qint64 nPacked, qint64 nUtf16)
     return nUtf16 <= 512 ? nUtf16 * 2 : nUtf16 + 512;
 }
 
+// The text of a byte string.
+struct Utf8Source {
+    const unsigned char* whole;
+    const unsigned char* text; // behind a byte-order mark
+    const unsigned char* end;
+    qint64 nPackedRoom;
+
+    qint64 Capacity(qint64 nPacked, qint64 nUtf16) const
+    {
+        return CapacityAfterBoth(std::min(nPacked, nPackedRoom), nUtf16);
+    }
+
+    // That of a well-formed text.
+    qint64 Capacity(const TextCount& count) const
+    {
+        return Capacity(count.nCharacters - count.nBeyondBmp + (text == whole ? 0 : 1),
+                        count.nCharacters + count.nBeyondBmp);
+    }
+};
+
+// Decodes a well-formed text straight into its buffer. False for a malformed one.
+bool LoadWellFormed(CQWString& s, const Utf8Source& source)
+{
+    const TextCount count = CountText(source.text, source.end);
+    const qint64 nCapacity = source.Capacity(count);
+    WideStore::Units units = WideStore::New(nCapacity, count.nCharacters);
+    if (units == nullptr) {
+        return true;
+    }
+    if (!DecodeUtf8(units.get(), source.text, source.end, true).isWellFormed) {
+        return false;
+    }
+    WideStore::Exchange(s, std::move(units), nCapacity, static_cast<int>(count.nCharacters));
+    return true;
+}
+
+// Decodes any text by way of pScratch, which has room for a unit for each byte.
+void LoadAside(CQWString& s, const Utf8Source& source, wchar_t* pScratch)
+{
+    const DecodedUtf8 decoded = DecodeUtf8(pScratch, source.text, source.end, false);
+    const qint64 nLen = decoded.end - pScratch;
+    const qint64 nCapacity =
+        decoded.isWellFormed
+            ? source.Capacity({nLen, decoded.beyondBmp})
+            : source.Capacity(CountBmpUnits(source.whole, source.end), nLen + decoded.beyondBmp);
+    WideStore::Units units = WideStore::New(nCapacity, nLen);
+    if (units != nullptr) {
+        std::copy_n(pScratch, nLen, units.get());
+        WideStore::Exchange(s, std::move(units), nCapacity, static_cast<int>(nLen));
+    }
+}
+
 } // namespace
 
 CQWString::CQWString(const CQSString& other) : CQWString()
 {
-    if (other.GetDataPtr() == nullptr) {
+    const std::string_view bytes = View(other);
+    if (bytes.data() == nullptr) {
         return;
     }
-    const auto* const whole = reinterpret_cast<const unsigned char*>(other.GetDataPtr());
-    const unsigned char* const end = whole + std::strlen(other.GetDataPtr());
+    const auto* const whole = reinterpret_cast<const unsigned char*>(bytes.data());
+    const unsigned char* const end = whole + std::strlen(bytes.data());
     const unsigned char* const text = SkipByteOrderMark(whole, end);
     if (text == end) {
         *this = other;
         return;
     }
-    const qint64 nPackedRoom = other.IsEmpty() ? 0 : qint64{other.GetLength()} + 1;
-    // Decoded straight into its buffer when it turns out to be well-formed.
-    const TextCount count = CountText(text, end);
-    qint64 nLen = count.nCharacters;
-    qint64 nPacked = nLen - count.nBeyondBmp + (text == whole ? 0 : 1);
-    qint64 nCapacity = CapacityAfterBoth(std::min(nPacked, nPackedRoom), nLen + count.nBeyondBmp);
-    WideStore::Units units = WideStore::New(nCapacity, nLen);
-    if (units == nullptr) {
-        return;
-    }
-    if (!DecodeUtf8(units.get(), text, end, true).isWellFormed) {
-        const WideStore::Units scratch = WideStore::New(end - text, 0);
-        if (scratch == nullptr) {
-            return;
+    const Utf8Source source{whole, text, end,
+                            bytes.empty() ? 0 : static_cast<qint64>(bytes.size()) + 1};
+    // A short text is decoded sooner than it is counted.
+    constexpr std::ptrdiff_t ShortSize = 128;
+    if (end - text <= ShortSize) {
+        wchar_t scratch[ShortSize];
+        LoadAside(*this, source, scratch);
+    } else if (!LoadWellFormed(*this, source)) {
+        const WideStore::Units scratch = WideStore::New(end - text, end - text);
+        if (scratch != nullptr) {
+            LoadAside(*this, source, scratch.get());
         }
-        const DecodedUtf8 decoded = DecodeUtf8(scratch.get(), text, end, false);
-        nLen = decoded.end - scratch.get();
-        nPacked = std::min<qint64>(CountBmpUnits(whole, end), nPackedRoom);
-        nCapacity = CapacityAfterBoth(nPacked, nLen + decoded.beyondBmp);
-        units = WideStore::New(nCapacity, nLen);
-        if (units == nullptr) {
-            return;
-        }
-        std::copy(scratch.get(), decoded.end, units.get());
     }
-    WideStore::Exchange(*this, std::move(units), nCapacity, static_cast<int>(nLen));
 }
 
 int CQWString::SetUTF8Data(const unsigned char* pData, int nLen)

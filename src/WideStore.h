@@ -30,7 +30,8 @@ struct WideStore {
         const std::size_t nSize = (static_cast<std::size_t>(nCapacity) + 1) * sizeof(wchar_t);
         auto* const pUnits = static_cast<wchar_t*>(::operator new[](nSize, std::nothrow));
         if (pUnits != nullptr) {
-            std::fill(pUnits + nFilled, pUnits + nCapacity + 1, L'\0');
+            std::fill(pUnits + nFilled, pUnits + nCapacity, L'\0');
+            pUnits[nCapacity] = L'\0'; // an exact buffer needs no call
         }
         return Units(pUnits);
     }

@@ -88,7 +88,10 @@ TEST(Encoding, MalformedUtf8IsReplacedAsThePlatformDoes)
 // Only the capacity tells that the text was stored twice, packed at first.
 TEST(Encoding, WideStringConstructorKeepsTheRoomOfBothItsConversions)
 {
-    const std::pair<const char*, int> rows[] = {{"abc", 3},
+    const std::string longText(200, 'a');
+    const std::pair<std::string, int> rows[] = {{"abc", 3},
+                                                {longText + "\xF0\x9F\x98\x80", 404},
+                                                {longText + "\xC3\x41", 404},
                                                 {"\xF0\x9F\x98\x80", 2},
                                                 {"a\xF0\x9F\x98\x80", 6},
                                                 {"\xEF\xBB\xBF"
