@@ -140,11 +140,15 @@ unsigned char* PutUnit(unsigned char* out, unsigned unit)
     return out + 2;
 }
 
+// Reads all before it writes: what might lie in the output would keep the bytes from being
+// widened together.
 template <std::ptrdiff_t Size>
 unsigned char* WidenAscii(unsigned char* out, const unsigned char* p)
 {
+    unsigned char bytes[Size];
+    std::memcpy(bytes, p, Size);
     for (std::ptrdiff_t i = 0; i < Size; ++i) {
-        PutUnit(out + 2 * i, p[i]);
+        PutUnit(out + 2 * i, bytes[i]);
     }
     return out + 2 * Size;
 }
