@@ -90,6 +90,22 @@ void KeepRange(CQSString& s, std::size_t nStartPos, std::size_t nEndPos)
     }
 }
 
+// Replace() of what keeps its length: in a copy of the text.
+int ReplaceSameLength(CQSString& s, std::string_view oldText, std::string_view newText)
+{
+    const std::string_view text = View(s);
+    const std::size_t first = FindText(text, oldText);
+    const auto length = static_cast<std::int64_t>(text.size());
+    char* const pFresh =
+        first != text.npos ? CQSStringBuffer::NewCopy(text.data(), length) : nullptr;
+    if (pFresh == nullptr) {
+        return 0;
+    }
+    const Replaced replaced = ReplaceWithin(pFresh, text.size(), first, oldText, newText);
+    CQSStringBuffer::Adopt(s, pFresh, length);
+    return replaced.count;
+}
+
 int SetHexUnits(CQSString& s, const char* pText, int nLen)
 {
     const std::int64_t nUnitBytes = std::int64_t{2} * nLen;
@@ -228,6 +244,9 @@ int CQSString::Replace(const char* lpszOld, const char* lpszNew)
     const std::string_view newText = lpszNew != nullptr ? lpszNew : "";
     if (oldText.empty() || newText == oldText || newText.size() > INT_MAX) {
         return 0;
+    }
+    if (newText.size() == oldText.size()) {
+        return ReplaceSameLength(*this, oldText, newText);
     }
     const Occurrences places(text, oldText);
     const int count = places.GetCount();

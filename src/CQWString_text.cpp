@@ -69,9 +69,33 @@ bool AssertNumber(const CQWString& s, int nLine = __builtin_LINE())
     return OrvoAssert(!s.IsEmpty(), "m_nDataLen > 0", Source, nLine) && bHasBuffer;
 }
 
+bool IsInBuffer(const CQWString& s, std::wstring_view text)
+{
+    const wchar_t* const pFirst = s.GetDataPtr();
+    const std::less_equal<const wchar_t*> isBefore;
+    return isBefore(pFirst, text.data()) && isBefore(text.data(), pFirst + WideStore::Capacity(s));
+}
+
+// What does not get longer needs no room.
+int ReplaceInPlace(CQWString& s, std::wstring_view oldText, std::wstring_view newText)
+{
+    const std::size_t nFirst = FindText(View(s), oldText);
+    if (nFirst == std::wstring_view::npos) {
+        return 0;
+    }
+    const auto nSize = static_cast<std::size_t>(s.GetLength());
+    const Replaced replaced = ReplaceWithin(WideStore::Data(s), nSize, nFirst, oldText, newText);
+    if (replaced.length == 0) {
+        s.Empty();
+    } else {
+        WideStore::End(s, static_cast<int>(replaced.length));
+    }
+    return replaced.count;
+}
+
 // Builds the result apart from the buffer: the arguments may lie in it, and a failure leaves the
 // string as it was.
-int ReplaceAll(CQWString& s, std::wstring_view oldText, std::wstring_view newText)
+int ReplaceAside(CQWString& s, std::wstring_view oldText, std::wstring_view newText)
 {
     const std::wstring_view text = View(s);
     const Occurrences places(text, oldText);
@@ -99,6 +123,13 @@ int ReplaceAll(CQWString& s, std::wstring_view oldText, std::wstring_view newTex
         WideStore::Set(s, built.get(), nNewLen);
     }
     return nCount;
+}
+
+int ReplaceAll(CQWString& s, std::wstring_view oldText, std::wstring_view newText)
+{
+    const bool bInPlace =
+        newText.size() <= oldText.size() && !IsInBuffer(s, oldText) && !IsInBuffer(s, newText);
+    return bInPlace ? ReplaceInPlace(s, oldText, newText) : ReplaceAside(s, oldText, newText);
 }
 
 } // namespace

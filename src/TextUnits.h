@@ -127,6 +127,40 @@ private:
     std::array<std::size_t, 512> m_places; // the first ones, which need not be found again
 };
 
+/// What ReplaceWithin() did.
+struct Replaced {
+    int count;
+    std::size_t length; ///< of the text afterwards
+};
+
+/// Puts \a newText, which is no longer than \a sub, into its places in the text at \a data from the
+/// one at \a at on, and moves up what follows: one search, and no copy where the lengths are the
+/// same. Neither text lies in the data.
+template <class Unit>
+Replaced ReplaceWithin(Unit* data, std::size_t size, std::size_t at,
+                       std::basic_string_view<Unit> sub, std::basic_string_view<Unit> newText)
+{
+    const std::basic_string_view<Unit> text(data, size);
+    Unit* end = data; // of the result so far
+    const auto keep = [&end, data](std::size_t first, std::size_t last) {
+        if (end != data + first) {
+            std::char_traits<Unit>::move(end, data + first, last - first);
+        }
+        end += last - first;
+    };
+    Replaced result{0, 0};
+    std::size_t done = 0;
+    for (; at != text.npos; at = FindText(text, sub, done)) {
+        keep(done, at);
+        end += newText.copy(end, newText.size());
+        done = at + sub.size();
+        ++result.count;
+    }
+    keep(done, size);
+    result.length = static_cast<std::size_t>(end - data);
+    return result;
+}
+
 /// The delimited GetSubString() of either string class, as described there.
 template <class String>
 int CopyBetween(const String& source, String& out, decltype(View(source)) startMark,
