@@ -127,18 +127,8 @@ TEST(ByteSwap, SwapsWholePairsAndLeavesAnOddByte)
     EXPECT_STREQ("badcef", bytes) << "an odd length takes in the byte behind it";
 }
 
-TEST(Wrappers, ConvertAndPackLikeTheFunctionsBehindThem)
+TEST(Packing, OfSignedNumbersExtendsTheSign)
 {
-    char utf8[8] = {};
-    int capacity = 5;
-    EXPECT_EQ(1, B::Unicode2Char(utf8, capacity, L"A\xE9\x4E2D", 3));
-    EXPECT_EQ(-1, capacity);
-    EXPECT_EQ(6, B::UnicodeToUTF8(utf8, 6, L"A\xE9\x4E2D", 3));
-    for (const auto decode : {B::UTF8ToUnicode, B::Char2Unicode}) {
-        wchar_t packed[6] = {};
-        EXPECT_EQ(3, decode(packed, 6, utf8, 6));
-        EXPECT_EQ(0, std::memcmp("A\0\xE9\0\x2D\x4E\0", packed, 7));
-    }
     unsigned char bytes[] = "-----";
     long doubleWord = 0;
     short word = 0;
@@ -147,7 +137,7 @@ TEST(Wrappers, ConvertAndPackLikeTheFunctionsBehindThem)
     B::GetShort(&word, bytes);
     B::SetShort(bytes + 3, -4);
     EXPECT_STREQ("\xFF\xFE\xFF\xFF\xFC", reinterpret_cast<char*>(bytes));
-    EXPECT_EQ(std::pair(-0x10003L, short{-2}), std::pair(doubleWord, word)); // the sign extended
+    EXPECT_EQ(std::pair(-0x10003L, short{-2}), std::pair(doubleWord, word));
 }
 
 TEST(UrlText, EncodingThatWouldNotFitThrows)

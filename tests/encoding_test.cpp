@@ -60,28 +60,21 @@ TEST(Encoding, PackedSettersMissBytesBehindTheCountAndReadAFilteredTextToItsTerm
     EXPECT_EQ((std::wstring{0x00420041, 0x00440043, 0x00440044, 0x00440044}), s.GetDataPtr());
 }
 
-// All sequences of up to two bytes and, behind them, what tells third and fourth bytes apart.
+// All leads and second bytes and, behind them, what tells third and fourth bytes apart.
 TEST(Encoding, MalformedUtf8IsReplacedAsThePlatformDoes)
 {
     const std::string others = "a\x7F\x80\x8F\x90\x9F\xA0\xBF\xC0\xC2\xE0\xED\xF0\xF4\xFF";
     for (int lead = 1; lead < 256; ++lead) {
         std::string text;
         for (int second = 1; second < 256; ++second) {
-            text += {'-', static_cast<char>(lead), static_cast<char>(second)};
-            for (const char third : others) {
-                text += {'-', static_cast<char>(lead), static_cast<char>(second), third};
-                for (const char fourth : others) {
-                    text +=
-                        {'-', static_cast<char>(lead), static_cast<char>(second), third, fourth};
-                }
+            for (size_t i = 0; i < others.size() * others.size(); ++i) {
+                text += {static_cast<char>(lead), static_cast<char>(second),
+                         others[i / others.size()], others[i % others.size()], '-'};
             }
         }
-        for (const std::string& all : {text, std::string(1, static_cast<char>(lead))}) {
-            CQSString bytes;
-            bytes.SetData(all.c_str());
-            const std::wstring expected = QString::fromUtf8(all.c_str()).toStdWString();
-            ASSERT_TRUE(expected == CQWString(bytes).GetDataPtr()) << lead;
-        }
+        text += static_cast<char>(lead);
+        const std::wstring expected = QString::fromUtf8(text.c_str()).toStdWString();
+        ASSERT_TRUE(expected == CQWString(Make<CQSString>(text)).GetDataPtr()) << lead;
     }
 }
 
@@ -91,9 +84,7 @@ TEST(Encoding, WideStringConstructorKeepsTheRoomOfBothItsConversions)
     const std::pair<const char*, int> rows[] = {{"abc", 3},
                                                 {"\xF0\x9F\x98\x80", 2},
                                                 {"a\xF0\x9F\x98\x80", 6},
-                                                {"\xEF\xBB\xBF"
-                                                 "a",
-                                                 2},
+                                                {"\uFEFFa", 2},
                                                 {"\xC3\x41", 4}};
     for (const auto& [utf8, capacity] : rows) {
         CQWString s(Make<CQSString>(utf8));

@@ -143,7 +143,8 @@ void DriveModel(ByteSource& source)
         } else {
             if (operation >= 6) { // any header and fill, a trailer that is mostly right
                 bytes.resize((bytes.size() + 17) / 8 * 8);
-                bytes.back() = static_cast<char>(source.Byte() % 4 == 0 ? source.Byte() : 0);
+                bytes.end()[source.Between(-7, -1)] =
+                    static_cast<char>(source.Byte() % 4 == 0 ? source.Byte() : 0);
                 bytes = model.Run(bytes, true);
             }
             const int room = static_cast<int>(bytes.size()) - source.Between(0, 20);

@@ -1,5 +1,6 @@
 // URL and CGI text: the escapes, the query arguments, and the line breaks of UTF-16 text.
 
+#include "Encodings.h"
 #include "Model.h"
 
 #include <BaseUtil.h>
@@ -66,24 +67,12 @@ void CheckCgi(const QString& text)
     MODEL_CHECK(shared == text);
 }
 
-std::string Utf8OfUnit(wchar_t c)
-{
-    const auto unit = static_cast<std::uint32_t>(c);
-    const auto next = [=](int shift) { return static_cast<char>(0x80 | (unit >> shift & 0x3F)); };
-    return unit > 0xFFFF  ? ""
-           : unit > 0x7FF ? std::string{static_cast<char>(0xE0 | unit >> 12), next(6), next(0)}
-           : unit > 0x7F  ? std::string{static_cast<char>(0xC0 | unit >> 6), next(0)}
-                          : std::string{static_cast<char>(unit)};
-}
-
 void CheckEscape(std::wstring text)
 {
     QByteArray expected;
-    for (const wchar_t unit : text) {
-        for (const char c : Utf8OfUnit(unit)) {
-            const bool isEscaped = (c >= 1 && c <= 32) || QByteArray("?><%#\"").contains(c);
-            expected += isEscaped ? '%' + QByteArray(1, c).toHex() : QByteArray(1, c);
-        }
+    for (const char c : BmpUtf8(text)) {
+        const bool isEscaped = (c >= 1 && c <= 32) || QByteArray("?><%#\"").contains(c);
+        expected += isEscaped ? '%' + QByteArray(1, c).toHex() : QByteArray(1, c);
     }
     CQWString in;
     in.AppendData(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));

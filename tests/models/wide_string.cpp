@@ -4,77 +4,50 @@
 
 #include <QString>
 
-namespace
-{
-
-bool IsPairAt(const std::wstring& text, std::size_t i)
-{
-    return i + 1 < text.size() && QChar::isHighSurrogate(static_cast<char32_t>(text[i])) &&
-           QChar::isLowSurrogate(static_cast<char32_t>(text[i + 1]));
-}
-
-} // namespace
-
 template <>
 struct Rules<CQWString> {
-    // The platform's mapping of the text between units that are no code point, which stay.
+    // A surrogate pair is one character.
+    static std::u32string Joined(const std::wstring& text)
+    {
+        std::u32string joined;
+        for (const wchar_t c : text) {
+            const auto unit = static_cast<char32_t>(c);
+            if (!joined.empty() && QChar::isHighSurrogate(joined.back()) &&
+                QChar::isLowSurrogate(unit)) {
+                joined.back() = QChar::surrogateToUcs4(static_cast<char16_t>(joined.back()),
+                                                       static_cast<char16_t>(unit));
+            } else {
+                joined += unit;
+            }
+        }
+        return joined;
+    }
+
+    // What is no code point stays.
     static std::wstring MapCase(const std::wstring& text, bool upper)
     {
         std::wstring mapped;
-        QString run;
-        const auto flush = [&] {
-            mapped += (upper ? run.toUpper() : run.toLower()).toStdWString();
-            run.clear();
-        };
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            const auto unit = static_cast<char32_t>(text[i]);
-            if (IsPairAt(text, i)) {
-                run += QChar(static_cast<char16_t>(unit));
-                run += QChar(static_cast<char16_t>(text[++i]));
-            } else if (unit > 0x10FFFF || QChar::isSurrogate(unit)) {
-                flush();
-                mapped += text[i];
-            } else {
-                run += unit > 0xFFFF ? QString::fromUcs4(&unit, 1)
-                                     : QString(QChar(static_cast<char16_t>(unit)));
-            }
+        for (const char32_t c : Joined(text)) {
+            const bool isKnown = c <= 0x10FFFF && !QChar::isSurrogate(c);
+            const QString known = QString::fromUcs4(&c, isKnown ? 1 : 0);
+            mapped += isKnown ? (upper ? known.toUpper() : known.toLower()).toStdWString()
+                              : std::wstring(1, static_cast<wchar_t>(c));
         }
-        flush();
         mapped.resize(text.size());
         return mapped;
     }
 
-    static std::vector<char32_t> Folded(const std::wstring& text)
-    {
-        std::vector<char32_t> folded;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            auto unit = static_cast<char32_t>(text[i]);
-            if (IsPairAt(text, i)) {
-                unit = QChar::surrogateToUcs4(static_cast<char16_t>(unit),
-                                              static_cast<char16_t>(text[++i]));
-            }
-            folded.push_back(unit > 0x10FFFF ? unit : QChar::toCaseFolded(unit));
-        }
-        return folded;
-    }
-
     static bool EqualFolded(const std::wstring& a, const std::wstring& b)
     {
-        return Folded(a) == Folded(b);
+        const std::u32string x = Joined(a), y = Joined(b);
+        const auto fold = [](char32_t c) { return c > 0x10FFFF ? c : QChar::toCaseFolded(c); };
+        return std::equal(x.begin(), x.end(), y.begin(), y.end(),
+                          [=](char32_t c, char32_t d) { return fold(c) == fold(d); });
     }
 
-    static std::size_t Digit(wchar_t c)
-    {
-        return c > 'f' ? 99 : c == 0 ? 99 : HexDigits.find(static_cast<char>(Upper(c)));
-    }
-
-    // Of the digits at the end.
     static unsigned Hex(const std::wstring& text)
     {
-        unsigned value = 0, place = 1;
-        for (std::size_t i = text.size(); i > 0 && Digit(text[i - 1]) < 16; --i, place *= 16) {
-            value += static_cast<unsigned>(Digit(text[i - 1])) * place;
-        }
+        const unsigned value = TrailingNumber(text, 16);
         return text[0] == '-' ? 0 - value : value;
     }
 

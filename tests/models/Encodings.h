@@ -1,0 +1,42 @@
+#pragma once
+
+// Wide text in other encodings, unit by unit: the platform's own conversions take a U+FEFF in
+// front for a byte-order mark.
+
+#include <QChar>
+#include <QString>
+
+#include <cstdint>
+#include <string>
+
+/// UTF-8 of the units below 0x10000, surrogates too; the others are left out.
+inline std::string BmpUtf8(const std::wstring& units)
+{
+    std::string bytes;
+    for (const wchar_t c : units) {
+        const auto unit = static_cast<std::uint32_t>(c);
+        const auto part = [=](int shift, unsigned mark, unsigned mask) {
+            return static_cast<char>(mark | (unit >> shift & mask));
+        };
+        if (unit < 0x80) {
+            bytes += part(0, 0, 0x7F);
+        } else if (unit < 0x800) {
+            bytes += {part(6, 0xC0, 0x1F), part(0, 0x80, 0x3F)};
+        } else if (unit < 0x10000) {
+            bytes += {part(12, 0xE0, 0x0F), part(6, 0x80, 0x3F), part(0, 0x80, 0x3F)};
+        }
+    }
+    return bytes;
+}
+
+/// UTF-16, with \a foreign in place of what is no code point.
+inline QString Utf16(const std::wstring& units, char16_t foreign = 0xFFFD)
+{
+    QString text;
+    for (const wchar_t c : units) {
+        const auto unit = static_cast<char32_t>(c);
+        const char32_t known = unit > 0x10FFFF ? foreign : unit;
+        text += known > 0xFFFF ? QString::fromUcs4(&known, 1) : QString(QChar(char16_t(known)));
+    }
+    return text;
+}
