@@ -62,7 +62,7 @@ struct Rules<CQSString> {
     {
         unsigned value = 0;
         for (const char c : text) {
-            value = Digit(c) < 16 ? value * 16 + static_cast<unsigned>(Digit(c)) : value;
+            value = Digit(c) < 16 ? value * 16 + Digit(c) : value;
         }
         return value;
     }
@@ -75,7 +75,7 @@ Operations Step<CQSString>::Own()
 {
     return {
         [this] {
-            s.AllocBuffer(few), Asserted<char>(few >= 0, "nLen >= 0");
+            s.AllocBuffer(few), Asserted(few >= 0, "nLen >= 0");
             r.Set(std::string(Clip(few), '\0'));
         },
         [this] { MODEL_CHECK(CQSString(few).GetLength() == std::max(few, 0)); },
@@ -99,21 +99,18 @@ Operations Step<CQSString>::Own()
             const bool hasSameText = std::strcmp(r.Text().c_str(), r.held.c_str()) == 0;
             MODEL_CHECK((CQSString(s) == s) == (r.length > 0 && hasSameText));
         },
-        [this] {
-            keepStart ? s.TrimLeft() : s.TrimRight();
-            text.empty() ? void() : r.SetOrEmpty(Trimmed(text, keepStart, !keepStart));
-        },
+        [this] { keepStart ? s.TrimLeft() : s.TrimRight(), Trim(keepStart, !keepStart); },
         [this] {
             std::string range = text;
             const int size = std::min(few, r.length);
             CQSString::MakeLower(a.p == nullptr ? a.p : range.data(), size);
             const bool isRange =
-                Asserted<char>(a.p != nullptr && size > 0, "lpszStart != NULL && nLen > 0");
+                Asserted(a.p != nullptr && size > 0, "lpszStart != NULL && nLen > 0");
             const std::size_t end = isRange ? Clip(size) : 0;
             MODEL_CHECK(range ==
                         Rules<CQSString>::MapCase(text.substr(0, end), false) + text.substr(end));
         },
-        [this] { MODEL_CHECK(s.ToUINT() == (HasNumber(r) ? TrailingNumber(text, 10) : 0)); },
+        [this] { MODEL_CHECK(s.ToUINT() == (HasNumber() ? TrailingNumber(text, 10) : 0)); },
         [this] { MODEL_CHECK(s.ToHexString() == r.Set(HexText(text))); },
     };
 }

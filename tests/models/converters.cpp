@@ -10,7 +10,7 @@
 
 #include <QVector>
 
-#include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -150,32 +150,32 @@ Units Content(const CQWString& s)
     return {s.GetDataPtr(), static_cast<std::size_t>(s.GetLength())};
 }
 
-// What a refusing setter makes of a string that holds "old".
-Units Stored(const QString& text, int& result)
+// What a setter stores, unless it refuses.
+std::optional<Units> Stored(const QString& text)
 {
-    const Units units = FromPlatform(text);
-    const bool hasPair = static_cast<int>(text.toUcs4().size()) != text.size();
-    result = hasPair || units.empty() || units[0] == 0 ? 0 : 1;
-    return result == 0 ? L"old" : units.c_str();
+    const Units units = FromPlatform(text).c_str();
+    const bool hasPair = text.toUcs4().size() != text.size();
+    return hasPair || units.empty() ? std::nullopt : std::optional(units);
 }
 
-Units Packed(const std::string& text, std::size_t room)
+// Two characters a unit, up to the first zero one.
+std::optional<Units> Packed(const std::string& text)
 {
-    std::u16string packed = Decoded(text, 2 * room);
-    const std::size_t count = std::min(packed.size(), room);
-    packed.resize(2 * (room + 1));
-    Units units(room + 1, L'\0');
-    std::memcpy(units.data(), packed.data(), 2 * packed.size());
-    return count == 0 ? L"old" : units.substr(0, count).c_str();
+    const std::u16string decoded = Decoded(text, text.size()) + u'\0';
+    Units units;
+    for (std::size_t i = 0; i + 1 < decoded.size(); i += 2) {
+        units += static_cast<wchar_t>(decoded[i] | decoded[i + 1] << 16);
+    }
+    return units.empty() ? std::nullopt : std::optional<Units>(units.c_str());
 }
 
 template <class Set>
-void CheckSetter(const Units& expected, int expectedResult, Set set)
+void CheckSetter(const std::optional<Units>& stored, bool isAccepted, Set set)
 {
     CQWString s;
     s.SetData(L"old");
-    MODEL_CHECK(set(s) == expectedResult);
-    MODEL_CHECK(Content(s) == expected);
+    MODEL_CHECK(set(s) == (isAccepted ? 1 : 0));
+    MODEL_CHECK(Content(s) == stored.value_or(L"old"));
 }
 
 void CheckWideSetters(ByteSource& source)
@@ -187,28 +187,29 @@ void CheckWideSetters(ByteSource& source)
     CQSString narrow;
     narrow.AppendData(const_cast<unsigned char*>(bytes), size);
 
-    const Units packed = text.empty() ? L"old" : Packed(text, text.size() + 1);
-    CheckSetter(packed, 1, [&](CQWString& s) { return s.SeASCIIData(bytes, size); });
-    CheckSetter(packed, bytes == nullptr ? 0 : 1,
-                [&](CQWString& s) { return s.SetGBKByteData(bytes, size); });
-    CheckSetter(packed, 1, [&](CQWString& s) { return s = narrow, 1; });
+    const auto packed = Packed(text);
+    CheckSetter(packed, true, [&](CQWString& s) { return s.SeASCIIData(bytes, size); });
+    CheckSetter(packed, size > 0, [&](CQWString& s) { return s.SetGBKByteData(bytes, size); });
+    CheckSetter(packed, true, [&](CQWString& s) { return s = narrow, 1; });
 
-    int result = 0;
-    Units stored = Stored(QString::fromUtf8(text.data(), size), result);
-    CheckSetter(stored, result, [&](CQWString& s) { return s.SetUTF8Data(bytes, size); });
-    CheckSetter(stored, size > 0 ? 1 : 0, [&](CQWString& s) { return s.SetByteData(bytes, size); });
+    auto stored = Stored(QString::fromUtf8(text.data(), size));
+    CheckSetter(stored, stored.has_value(),
+                [&](CQWString& s) { return s.SetUTF8Data(bytes, size); });
+    CheckSetter(stored, size > 0, [&](CQWString& s) { return s.SetByteData(bytes, size); });
     const Units whole = FromPlatform(QString::fromUtf8(text.c_str()));
-    const Units constructed = Content(CQWString(narrow));
-    MODEL_CHECK(constructed ==
-                (whole.empty() ? packed == L"old" ? L"" : packed : Units(whole.c_str())));
+    MODEL_CHECK(Content(CQWString(narrow)) ==
+                (whole.empty() ? packed.value_or(L"") : Units(whole.c_str())));
 
     const QString utf16 = Utf16(MakeUnits(source), u'\uFFFE');
     const int count = static_cast<int>(utf16.size());
     QString platform = QString::fromUtf16(reinterpret_cast<const char16_t*>(utf16.data()), count);
     const auto* const raw = reinterpret_cast<const unsigned char*>(utf16.data());
-    stored = Stored(platform, result);
-    CheckSetter(stored, result, [&](CQWString& s) { return s.SetUTF16Data(raw, count); });
-    CheckSetter(stored, result, [&](CQWString& s) { return s.SetData(platform); });
+    stored = Stored(platform);
+    for (const bool isCounted : {true, false}) {
+        CheckSetter(stored, stored.has_value(), [&](CQWString& s) {
+            return isCounted ? s.SetUTF16Data(raw, count) : s.SetData(platform);
+        });
+    }
     MODEL_CHECK(Content(CQWString(platform)) == FromPlatform(platform));
 }
 

@@ -52,12 +52,11 @@ struct Rules<CQWString> {
     }
 
     // Every unit takes a place, and foreign ones count 0.
-    static unsigned NumberInBase(const std::wstring& text, int base)
+    static unsigned NumberInBase(const std::wstring& text, unsigned base)
     {
         unsigned value = 0;
         for (const wchar_t c : text) {
-            value = value * static_cast<unsigned>(base) +
-                    static_cast<unsigned>(Digit(c) < 16 ? Digit(c) : 0);
+            value = value * base + (Digit(c) < 16 ? Digit(c) : 0);
         }
         return value;
     }
@@ -70,7 +69,7 @@ Operations Step<CQWString>::Own()
     return {
         [this] { MODEL_CHECK(s.SetData(a.p, count) == r.SetCounted(counted)); },
         [=, this] {
-            const bool isRoom = Asserted<wchar_t>(room >= 0, "nLen >= 0");
+            const bool isRoom = Asserted(room >= 0, "nLen >= 0");
             MODEL_CHECK(s.PrepareBufferToWrite(room) == (r.MakeRoom(Clip(room)) ? 1 : 0));
             isRoom&& room == 0 ? r.Release() : void();
         },
@@ -89,20 +88,18 @@ Operations Step<CQWString>::Own()
         [this] {
             s.SetStrEnding(few);
             if (r.hasBuffer && few >= 0 &&
-                Asserted<wchar_t>(r.held.size() >= Clip(few), "nLen >= 0&& m_nMAXLen >= nLen")) {
+                Asserted(r.held.size() >= Clip(few), "nLen >= 0&& m_nMAXLen >= nLen")) {
                 r.held[Clip(few)] = 0;
                 r.length = few;
             }
         },
         [this] { MODEL_CHECK(s.FindofLast(c) == Index(text.rfind(c))); },
         [this] {
-            const int hits = a.text.empty() ? 0 : Replace(r, a.text, {});
-            MODEL_CHECK(s.DeleteSubString(a.p) == hits);
+            MODEL_CHECK(s.DeleteSubString(a.p) == (a.text.empty() ? 0 : Replace(a.text, {})));
         },
         [this] {
             const int value = static_cast<int>(number);
-            MODEL_CHECK(s.AppendNum(value) ==
-                        r.Set(text + Widened<wchar_t>(std::to_string(value))));
+            MODEL_CHECK(s.AppendNum(value) == Append(std::to_wstring(value)));
         },
         [this] {
             const QString hex = QString::number(number, 16).toUpper();
@@ -114,10 +111,9 @@ Operations Step<CQWString>::Own()
             MODEL_CHECK(s.ToNum(static_cast<CQWString::enNumType>(2)) == -1);
         },
         [this] {
-            const bool isNumber = HasNumber(r) && few >= 2;
-            MODEL_CHECK(
-                s.ToINT(static_cast<short>(few)) ==
-                (isNumber ? static_cast<int>(Rules<CQWString>::NumberInBase(text, few)) : -1));
+            const auto base = static_cast<short>(few);
+            const unsigned value = Rules<CQWString>::NumberInBase(text, static_cast<unsigned>(few));
+            MODEL_CHECK(s.ToINT(base) == (HasNumber() && base >= 2 ? static_cast<int>(value) : -1));
         },
     };
 }
