@@ -78,21 +78,6 @@ TEST(Encoding, MalformedUtf8IsReplacedAsThePlatformDoes)
     }
 }
 
-// Only the capacity tells that the text was stored twice, packed at first.
-TEST(Encoding, WideStringConstructorKeepsTheRoomOfBothItsConversions)
-{
-    const std::pair<const char*, int> rows[] = {{"abc", 3},
-                                                {"\xF0\x9F\x98\x80", 2},
-                                                {"a\xF0\x9F\x98\x80", 6},
-                                                {"\uFEFFa", 2},
-                                                {"\xC3\x41", 4}};
-    for (const auto& [utf8, capacity] : rows) {
-        CQWString s(Make<CQSString>(utf8));
-        EXPECT_EQ(0, s.PrepareBufferToWrite(capacity)) << utf8;
-        EXPECT_EQ(1, s.PrepareBufferToWrite(capacity + 1)) << utf8;
-    }
-}
-
 // Bytes and units that are no text, or do not print, are escaped; the rest is UTF-8.
 TEST(DebugOutput, TellsTextFromBytes)
 {

@@ -113,10 +113,10 @@ TEST(WideString, CaseMappingFollowsThePlatformForEveryCharacter)
         if (QChar::isSurrogate(c)) {
             continue;
         }
-        const char32_t units[] = {U'a', c, U'Z', U'Z', U'Z'};
-        const QString text = QString::fromUcs4(units, 5);
+        const std::wstring units = {L'a', static_cast<wchar_t>(c), L'Z', L'Z', L'Z'};
+        const QString text = QString::fromStdWString(units);
         for (const bool upper : {true, false}) {
-            CQWString s = Wide({L'a', static_cast<wchar_t>(c), L'Z', L'Z', L'Z'});
+            CQWString s = Wide(units);
             upper ? s.MakeUpper() : s.MakeLower();
             const std::wstring mapped = (upper ? text.toUpper() : text.toLower()).toStdWString();
             ASSERT_EQ(mapped.substr(0, 5), s.GetDataPtr()) << static_cast<unsigned>(c);

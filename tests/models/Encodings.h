@@ -15,16 +15,12 @@ inline std::string BmpUtf8(const std::wstring& units)
     std::string bytes;
     for (const wchar_t c : units) {
         const auto unit = static_cast<std::uint32_t>(c);
-        const auto part = [=](int shift, unsigned mark, unsigned mask) {
-            return static_cast<char>(mark | (unit >> shift & mask));
-        };
-        if (unit < 0x80) {
-            bytes += part(0, 0, 0x7F);
-        } else if (unit < 0x800) {
-            bytes += {part(6, 0xC0, 0x1F), part(0, 0x80, 0x3F)};
-        } else if (unit < 0x10000) {
-            bytes += {part(12, 0xE0, 0x0F), part(6, 0x80, 0x3F), part(0, 0x80, 0x3F)};
-        }
+        const auto next = [=](int bits) { return static_cast<char>(0x80 | (unit >> bits & 0x3F)); };
+        bytes += unit > 0xFFFF ? std::string()
+                 : unit > 0x7FF
+                     ? std::string{static_cast<char>(0xE0 | unit >> 12), next(6), next(0)}
+                 : unit > 0x7F ? std::string{static_cast<char>(0xC0 | unit >> 6), next(0)}
+                               : std::string{static_cast<char>(unit)};
     }
     return bytes;
 }

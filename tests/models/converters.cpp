@@ -197,8 +197,16 @@ void CheckWideSetters(ByteSource& source)
                 [&](CQWString& s) { return s.SetUTF8Data(bytes, size); });
     CheckSetter(stored, size > 0, [&](CQWString& s) { return s.SetByteData(bytes, size); });
     const Units whole = FromPlatform(QString::fromUtf8(text.c_str()));
-    MODEL_CHECK(Content(CQWString(narrow)) ==
+    CQWString constructed(narrow);
+    MODEL_CHECK(Content(constructed) ==
                 (whole.empty() ? packed.value_or(L"") : Units(whole.c_str())));
+    // Stored twice, first with a count of 16-bit units: the room tells of both.
+    const auto first = Decoded(text, text.size()).size(), second = whole.size();
+    const std::size_t room = second <= first ? first
+                             : first == 0    ? second
+                                             : second + std::min<std::size_t>(second, 512);
+    MODEL_CHECK(room == 0 || constructed.PrepareBufferToWrite(static_cast<int>(room)) == 0);
+    MODEL_CHECK(constructed.PrepareBufferToWrite(static_cast<int>(room) + 1) == 1);
 
     const QString utf16 = Utf16(MakeUnits(source), u'\uFFFE');
     const int count = static_cast<int>(utf16.size());

@@ -109,23 +109,6 @@ void CheckFormat(const Format& format, Arguments... arguments)
     MODEL_CHECK(Content(wideOut) == Slashed(wide).toStdWString());
 }
 
-// A value as it is passed to a function of printf's kind.
-template <class Number>
-Number Passed(Number number)
-{
-    return number;
-}
-
-const char* Passed(const std::string& text)
-{
-    return text.c_str();
-}
-
-const ushort* Passed(const QString& text)
-{
-    return text.utf16();
-}
-
 std::string Pick(ByteSource& source, std::initializer_list<const char*> choices)
 {
     return choices.begin()[source.Between(0, static_cast<int>(choices.size()) - 1)];
@@ -149,40 +132,33 @@ std::string Flags(ByteSource& source)
                 {"%", "%", "%", "%", "%0", "%-", "%+", "% ", "%#", "%0-", "%-0", "%+0", "%'"});
 }
 
-using Value = std::variant<int, long, long long, double, std::string, QString>;
-
-Value TakeValue(ByteSource& source)
-{
-    const auto number = static_cast<std::int32_t>(source.Word() << source.Between(0, 31));
-    const int kind = source.Between(0, 7);
-    return kind == 0   ? Value(number)
-           : kind == 1 ? Value(long{number})
-           : kind == 2 ? Value(static_cast<long long>(number) << source.Between(0, 20))
-           : kind == 3 ? Value(number / 64.0)
-           : kind == 4 ? Value(Utf16(Text(source)))
-                       : Value(source.Text(9, "abc\\%\xC3\xA9\xEF\xBB\xBF\xF0\x9F\x98\x80"));
-}
+// Values as they are passed to a function of printf's kind.
+using Value = std::variant<int, long, long long, double, const ushort*, const char*>;
 
 // Modifier and letter for a value of that kind.
-std::string TakeLetter(ByteSource& source, const Value& value)
+std::string TakeLetter(ByteSource& source, std::size_t kind)
 {
     const std::string whole = Pick(source, {"d", "i", "u", "x", "X", "o"});
-    const auto kind = value.index();
     return kind == 0   ? source.Between(0, 5) == 0 ? Pick(source, {"c", "lc"})
                                                    : Pick(source, {"", "", "h", "hh"}) + whole
            : kind == 1 ? "l" + whole
            : kind == 2 ? "ll" + whole
            : kind == 3 ? Pick(source, {"f", "e", "g", "G"})
-           : kind == 4 ? "s"
-                       : "ls";
+           : kind == 4 ? "ls"
+                       : "s";
 }
 
 void CheckFormats(ByteSource& source)
 {
     Format format{Text(source), Text(source), Text(source), L"", "", "", source.Flag()};
-    const Value value = TakeValue(source);
+    const auto number = static_cast<std::int32_t>(source.Word() << source.Between(0, 31));
+    const QString wide = Utf16(Text(source));
+    const std::string narrow = source.Text(9, "abc\\%\xC3\xA9\xEF\xBB\xBF\xF0\x9F\x98\x80");
+    const Value values[] = {number,        long{number}, number * (1LL << source.Between(0, 20)),
+                            number / 64.0, wide.utf16(), narrow.c_str()};
+    const Value value = values[std::min(source.Between(0, 7), 5)];
     const int stars = source.Between(0, 4), width = source.Between(-3, 40);
-    const std::string letter = TakeLetter(source, value), flags = Flags(source);
+    const std::string letter = TakeLetter(source, value.index()), flags = Flags(source);
     const std::string size =
         stars < 2 ? "*" : Pick(source, {"", "", "1", "12", "300", "2147483647"});
     const std::string digits = Pick(source, {"", "", "", "", ".0", ".0", ".2", ".30"});
@@ -196,11 +172,11 @@ void CheckFormats(ByteSource& source)
     std::visit(
         [&](const auto& a) {
             if (stars == 0) {
-                CheckFormat(format, width, source.Between(-3, 12), Passed(a));
+                CheckFormat(format, width, source.Between(-3, 12), a);
             } else if (stars == 1) {
-                CheckFormat(format, width, Passed(a));
+                CheckFormat(format, width, a);
             } else {
-                CheckFormat(format, Passed(a));
+                CheckFormat(format, a);
             }
         },
         value);
