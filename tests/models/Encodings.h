@@ -1,13 +1,22 @@
 #pragma once
 
-// Wide text in other encodings, unit by unit: the platform's own conversions take a U+FEFF in
-// front for a byte-order mark.
+// Strings of any units, and wide text in other encodings, unit by unit: the platform's own
+// conversions take a U+FEFF in front for a byte-order mark.
 
 #include <QChar>
 #include <QString>
 
 #include <cstdint>
 #include <string>
+
+/// A string of either class that holds all of \a text, zeros too.
+template <class String>
+String Holding(auto text)
+{
+    String s;
+    s.AppendData(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));
+    return s;
+}
 
 /// UTF-8 of the units below 0x10000, surrogates too; the others are left out.
 inline std::string BmpUtf8(const std::wstring& units)

@@ -3,6 +3,7 @@
 // What both string classes do, against a plain text and a note of what the buffer holds. Arguments
 // come from outside or lie in one of the strings, the one that changes too.
 
+#include "Encodings.h"
 #include "Model.h"
 
 #include <CQSString.h>
@@ -150,9 +151,10 @@ template <class C>
 TextOf<C> TakeText(ByteSource& source)
 {
     const int kind = source.Between(0, 7);
-    std::string text = kind < 4    ? source.Text(9, "aAb")
-                       : kind == 4 ? source.Text(9, " \t\r\n\v\0xz"s)
+    std::string text = kind < 4    ? source.Text(kind < 2 ? 2 : 9, "aAb")
+                       : kind == 4 ? source.Text(5, " \t\r\n  \n\t\v\0\x7F~"s)
                        : kind == 5 ? source.Text(24, "0123456789-afAFx")
+                       : kind == 6 ? source.Text(9, "@[`{\xB5\xBF\xC0\xD7\xDE\xDF\xE0\xF7\xFE\xFF")
                                    : source.Bytes(24);
     // Periodic texts with a flaw lead a plain search astray.
     const auto size = Clip(kind == 3 ? source.Between(0, 1200) : 0);
@@ -324,8 +326,7 @@ struct Step {
         if (r.length > 0) {
             Text close = text; // another unit, or another case
             close[close.size() - 1 - static_cast<std::size_t>(a.size) % close.size()] ^= 0x20;
-            String changed;
-            changed.AppendData(reinterpret_cast<unsigned char*>(close.data()), r.length);
+            auto changed = Holding<String>(close);
             close = IsWide<C> ? close.c_str() : close;
             MODEL_CHECK(s.CompareNoCase(changed) == (EqualNoCase(text, close) ? 0 : -1));
         }

@@ -17,8 +17,7 @@ struct Model {
     std::size_t used = 0;
 
     /// The same bytes to both.
-    template <class... Data>
-    void CheckAppend(CMLDataBuf& buffer, const std::string& bytes, Data... data)
+    void CheckAppend(CMLDataBuf& buffer, const std::string& bytes, auto... data)
     {
         const bool fits = bytes.size() <= storage.size() - used;
         const std::size_t appended = fits ? bytes.size() : 0;

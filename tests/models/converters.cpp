@@ -37,13 +37,15 @@ Units MakeUnits(ByteSource& source)
 
 std::string MakeBytes(ByteSource& source)
 {
-    static const auto Pieces = QByteArray("61 7F C3A9 E4B8AD F09F9880 EFBBBF 80 F8 FB FF C080 E4B8 "
-                                          "C3 E4 F09F98 EDA080 ED9FBF EE8080 F4908080 E08080 "
-                                          "EFBFBF EDB080 00")
-                                   .split(' ');
+    static const auto Pieces =
+        QByteArray(
+            "61 7F C3A9 E4B8AD F09F9880 EFBBBF 80 F8 FB FF C080 E4B8 C3 E4 F09F98 EDA080 "
+            "ED9FBF EE8080 F4908080 E08080 EFBFBF EDB080 C1BF C280 DFBF E09FBF E0A080 ECBFBF "
+            "F0808080 F08FBFBF F0908080 F48FBFBF F5808080 F09F F0 F7BFBFBF EDBFBF 00")
+            .split(' ');
     std::string bytes;
     for (int pieces = source.Between(0, 9); pieces > 0; --pieces) {
-        const QByteArray piece = QByteArray::fromHex(Pieces[source.Between(0, 22)]);
+        const QByteArray piece = QByteArray::fromHex(Pieces[source.Between(0, 37)]);
         bytes += piece.repeated(source.Flag() ? 1 : source.Between(1, 40)).toStdString();
     }
     return bytes + source.Bytes(3);
@@ -59,11 +61,10 @@ std::size_t LengthAt(const std::string& text, std::size_t at)
 int Steps(const std::string& text)
 {
     std::size_t at = 0;
-    for (int steps = 0; at < text.size(); ++steps) {
+    for (int steps = 0; at < text.size(); at += LengthAt(text, at), ++steps) {
         if (LengthAt(text, at) == 0) {
             return steps;
         }
-        at += LengthAt(text, at);
     }
     return static_cast<int>(text.size());
 }
@@ -169,8 +170,7 @@ std::optional<Units> Packed(const std::string& text)
     return units.empty() ? std::nullopt : std::optional<Units>(units.c_str());
 }
 
-template <class Set>
-void CheckSetter(const std::optional<Units>& stored, bool isAccepted, Set set)
+void CheckSetter(const std::optional<Units>& stored, bool isAccepted, auto set)
 {
     CQWString s;
     s.SetData(L"old");
@@ -184,8 +184,7 @@ void CheckWideSetters(ByteSource& source)
     const int size = static_cast<int>(text.size());
     const std::vector<unsigned char> exact(text.begin(), text.end());
     const auto* const bytes = exact.data();
-    CQSString narrow;
-    narrow.AppendData(const_cast<unsigned char*>(bytes), size);
+    const auto narrow = Holding<CQSString>(text);
 
     const auto packed = Packed(text);
     CheckSetter(packed, true, [&](CQWString& s) { return s.SeASCIIData(bytes, size); });
@@ -213,20 +212,16 @@ void CheckWideSetters(ByteSource& source)
     QString platform = QString::fromUtf16(reinterpret_cast<const char16_t*>(utf16.data()), count);
     const auto* const raw = reinterpret_cast<const unsigned char*>(utf16.data());
     stored = Stored(platform);
-    for (const bool isCounted : {true, false}) {
-        CheckSetter(stored, stored.has_value(), [&](CQWString& s) {
-            return isCounted ? s.SetUTF16Data(raw, count) : s.SetData(platform);
-        });
-    }
+    const bool isAccepted = stored.has_value();
+    CheckSetter(stored, isAccepted, [&](CQWString& s) { return s.SetUTF16Data(raw, count); });
+    CheckSetter(stored, isAccepted, [&](CQWString& s) { return s.SetData(platform); });
     MODEL_CHECK(Content(CQWString(platform)) == FromPlatform(platform));
 }
 
 void CheckNarrowSetters(ByteSource& source)
 {
     const Units units = MakeUnits(source);
-    CQWString wide;
-    wide.AppendData(reinterpret_cast<unsigned char*>(const_cast<wchar_t*>(units.data())),
-                    static_cast<int>(units.size()));
+    const auto wide = Holding<CQWString>(units);
     CQSString set, assigned;
     set.SetData("old");
     MODEL_CHECK(set.SetData(&wide) == 1);

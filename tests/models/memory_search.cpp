@@ -40,8 +40,7 @@ void CheckSearch(const std::string& text, const std::string& pattern)
     check(CBaseUtil::SearchMemNoCase, Lower, pattern.empty());
 }
 
-template <class String>
-auto Content(const String& s)
+auto Content(const auto& s)
 {
     return std::basic_string(s.GetDataPtr(), static_cast<std::size_t>(s.GetLength()));
 }
@@ -85,8 +84,7 @@ constexpr char PlainOnes[] = "%4d%s";
 
 // The arguments are numbers for the stars of the conversion, and its value. The narrow format means
 // what the platform makes of it; a wide one also keeps a U+FEFF that begins a text.
-template <class... Arguments>
-void CheckFormat(const Format& format, Arguments... arguments)
+void CheckFormat(const Format& format, auto... arguments)
 {
     const auto& [before, between, behind, end, conversion, broken, isOtherForm] = format;
     const char* const text = "-\xC3\xA9";

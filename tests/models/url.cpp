@@ -9,6 +9,8 @@
 
 #include <memory>
 
+using namespace std::string_literals;
+
 namespace
 {
 
@@ -67,25 +69,17 @@ void CheckCgi(const QString& text)
     MODEL_CHECK(shared == text);
 }
 
-void CheckEscape(std::wstring text)
+void CheckEscape(const std::wstring& text)
 {
     QByteArray expected;
     for (const char c : BmpUtf8(text)) {
         const bool isEscaped = (c >= 1 && c <= 32) || QByteArray("?><%#\"").contains(c);
         expected += isEscaped ? '%' + QByteArray(1, c).toHex() : QByteArray(1, c);
     }
-    CQWString in;
-    in.AppendData(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));
+    auto in = Holding<CQWString>(text);
     const CQWString escaped = CBaseUtil::EscapeString(in, true);
     MODEL_CHECK(QString::fromWCharArray(escaped.GetDataPtr(), escaped.GetLength()) ==
                 QString::fromLatin1(expected.constData(), expected.size()));
-}
-
-CQSString Make(QByteArray text)
-{
-    CQSString s;
-    s.SetData(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));
-    return s;
 }
 
 // Places of the shifted text `w` are used on the URL as they are: so it is stated.
@@ -125,7 +119,8 @@ void CheckArgument(const QByteArray& url, const QByteArray& name)
 {
     for (const bool isSame : {false, true}) {
         const auto [found, expected] = FindArgument(url, name, isSame ? url : "old");
-        CQSString text = Make(url), other = Make("old"), &value = isSame ? text : other;
+        auto text = Holding<CQSString>(url), other = Holding<CQSString>("old"s);
+        CQSString& value = isSame ? text : other;
         MODEL_CHECK(CBaseUtil::GetArgumentFormURL(text, name.constData(), value) == found);
         MODEL_CHECK(QByteArray(value.GetDataPtr(), value.GetLength()) == expected);
     }
