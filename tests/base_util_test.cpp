@@ -63,12 +63,11 @@ TEST(Numbers, NothingToReadGivesZero)
 // The rule holds modulo 2^32 (computed in Python).
 TEST(Random, RandTakesSeedsOutsideItsRange)
 {
-    unsigned long seed = 0xFFFFFFF0UL;
-    EXPECT_EQ(2147248349, B::Rand(seed));
-    for (const unsigned long stuck : {0UL, 2147483647UL}) {
-        seed = stuck;
-        EXPECT_EQ(2147483647, B::Rand(seed));
-        EXPECT_EQ(2147483647U, seed);
+    for (const auto& [from, next] :
+         {std::pair(0xFFFFFFF0UL, 2147248349), {0UL, 2147483647}, {2147483647UL, 2147483647}}) {
+        unsigned long seed = from;
+        EXPECT_EQ(next, B::Rand(seed));
+        EXPECT_EQ(static_cast<unsigned long>(next), seed);
     }
 }
 

@@ -46,15 +46,6 @@ TEST(ByteString, HashIsMixedFnv1aOverUnsignedBytes)
     }
 }
 
-TEST(WideString, SizesBeyondA32BitHostReleaseTheBuffer)
-{
-    for (const int size : {0, 0x1FFFFFFF, INT_MAX}) {
-        CQWString s = Wide(L"abc");
-        EXPECT_EQ(0, s.PrepareBufferToWrite(size));
-        EXPECT_EQ(nullptr, s.GetDataPtr());
-    }
-}
-
 TEST(WideString, GrowthDoublesUpTo512Units)
 {
     for (const auto& [requested, capacity] : {std::pair(512, 1024), {513, 1025}}) {
@@ -63,14 +54,6 @@ TEST(WideString, GrowthDoublesUpTo512Units)
         EXPECT_EQ(0, s.PrepareBufferToWrite(capacity));
         EXPECT_EQ(1, s.PrepareBufferToWrite(capacity + 1));
     }
-}
-
-TEST(WideString, EmptyingZeroesTheUnitAtTheLengthToo)
-{
-    CQWString s(1);
-    const_cast<wchar_t*>(s.GetDataPtr())[0] = L'x';
-    s.Empty();
-    EXPECT_EQ(0, *s.GetDataPtr());
 }
 
 TEST(WideString, TakesUnitsAtAnyAlignment)

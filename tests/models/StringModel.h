@@ -3,8 +3,8 @@
 // What both string classes do, against a plain text and a note of what the buffer holds. Arguments
 // come from outside or lie in one of the strings, the one that changes too.
 
-#include "Encodings.h"
 #include "Model.h"
+#include "Texts.h"
 
 #include <CQSString.h>
 #include <CQWString.h>
@@ -12,7 +12,6 @@
 
 #include <climits>
 #include <functional>
-#include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -38,12 +37,6 @@ inline int Index(std::size_t at)
 inline std::size_t Clip(long long n)
 {
     return static_cast<std::size_t>(std::max(n, 0LL));
-}
-
-template <class C>
-TextOf<C> Widened(const std::string& text)
-{
-    return {text.begin(), text.end()};
 }
 
 template <class C>

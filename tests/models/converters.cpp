@@ -1,7 +1,7 @@
 // The converter both ways, its wrappers, and what the strings make of encoded text.
 
-#include "Encodings.h"
 #include "Model.h"
+#include "Texts.h"
 
 #include <BaseUtil.h>
 #include <CQSString.h>
@@ -11,7 +11,6 @@
 #include <QVector>
 
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace
@@ -145,12 +144,6 @@ Units FromPlatform(const QString& text)
     return units;
 }
 
-Units Content(const CQWString& s)
-{
-    MODEL_CHECK(s.GetDataPtr() == nullptr || s.GetDataPtr()[s.GetLength()] == 0);
-    return {s.GetDataPtr(), static_cast<std::size_t>(s.GetLength())};
-}
-
 // What a setter stores, unless it refuses.
 std::optional<Units> Stored(const QString& text)
 {
@@ -227,14 +220,11 @@ void CheckNarrowSetters(ByteSource& source)
     MODEL_CHECK(set.SetData(&wide) == 1);
     assigned = wide;
     const std::string encoded = BmpUtf8(units);
-    const auto content = [](const CQSString& s) {
-        return QByteArray(s.GetDataPtr(), s.GetLength()).toStdString();
-    };
-    MODEL_CHECK(content(set) == (encoded.empty() ? "old" : encoded));
-    MODEL_CHECK(content(assigned) == encoded);
+    MODEL_CHECK(Content(set) == (encoded.empty() ? "old" : encoded));
+    MODEL_CHECK(Content(assigned) == encoded);
     // Two units that form a pair are one character; what is no code point becomes a question mark.
     const QByteArray joined = Utf16(units.c_str(), u'?').toUtf8();
-    MODEL_CHECK(content(CQSString(wide)) == (joined.isEmpty() ? encoded : joined.toStdString()));
+    MODEL_CHECK(Content(CQSString(wide)) == (joined.isEmpty() ? encoded : joined.toStdString()));
     const QString utf16 = Utf16(units);
     for (int asked = 0; asked < 2; ++asked) {
         MODEL_CHECK(

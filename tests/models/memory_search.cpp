@@ -1,14 +1,13 @@
 // Searching memory, and formatting by printf's rules and by place markers.
 
-#include "Encodings.h"
 #include "Model.h"
+#include "Texts.h"
 
 #include <BaseUtil.h>
 #include <CQSString.h>
 #include <CQWString.h>
 
 #include <algorithm>
-#include <cstring>
 #include <variant>
 #include <vector>
 
@@ -40,19 +39,9 @@ void CheckSearch(const std::string& text, const std::string& pattern)
     check(CBaseUtil::SearchMemNoCase, Lower, pattern.empty());
 }
 
-auto Content(const auto& s)
-{
-    return std::basic_string(s.GetDataPtr(), static_cast<std::size_t>(s.GetLength()));
-}
-
 QString Slashed(QString text)
 {
     return text.replace('\\', '/');
-}
-
-std::wstring Widened(const std::string& ascii)
-{
-    return {ascii.begin(), ascii.end()};
 }
 
 // What a wide format's text comes out as. Lone surrogates become '?' on the way through 8-bit text,
@@ -89,8 +78,8 @@ void CheckFormat(const Format& format, auto... arguments)
     const auto& [before, between, behind, end, conversion, broken, isOtherForm] = format;
     const char* const text = "-\xC3\xA9";
     const auto whole = [&](const std::string& form) {
-        return before + Widened(form) + between + Widened(PlainOnes) + behind + Widened(broken) +
-               end;
+        return before + Widened<wchar_t>(form) + between + Widened<wchar_t>(PlainOnes) + behind +
+               Widened<wchar_t>(broken) + end;
     };
     const std::wstring wideFormat = whole(isOtherForm ? OtherForm(conversion) : conversion);
     const QByteArray known = Utf16(whole(conversion)).toUtf8();
@@ -183,7 +172,7 @@ void CheckFormats(ByteSource& source)
 void CheckMarkers(ByteSource& source)
 {
     const std::string marks = source.Text(12, "%%%123L\\a ");
-    const std::wstring format = Text(source) + Widened(marks);
+    const std::wstring format = Text(source) + Widened<wchar_t>(marks);
     const std::wstring a = Text(source), b = Text(source);
     const wchar_t* const end = nullptr;
     CQWString out;

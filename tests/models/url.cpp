@@ -1,7 +1,7 @@
 // URL and CGI text: the escapes, the query arguments, and the line breaks of UTF-16 text.
 
-#include "Encodings.h"
 #include "Model.h"
+#include "Texts.h"
 
 #include <BaseUtil.h>
 #include <CQSString.h>
@@ -122,7 +122,7 @@ void CheckArgument(const QByteArray& url, const QByteArray& name)
         auto text = Holding<CQSString>(url), other = Holding<CQSString>("old"s);
         CQSString& value = isSame ? text : other;
         MODEL_CHECK(CBaseUtil::GetArgumentFormURL(text, name.constData(), value) == found);
-        MODEL_CHECK(QByteArray(value.GetDataPtr(), value.GetLength()) == expected);
+        MODEL_CHECK(Content(value) == expected.toStdString());
     }
 }
 

@@ -84,6 +84,11 @@ Operations Step<CQWString>::Own()
             const CQWString made(few);
             Check(made, {std::wstring(Clip(few), L'\0'), 0, few > 0, 0});
         },
+        [this] {
+            // What a client wrote at the length goes too.
+            r.hasBuffer ? void(const_cast<wchar_t*>(s.GetDataPtr())[r.length] = c) : void();
+            s.Empty(), r.Empty();
+        },
         [this] { s.Destroy(), r.Release(); },
         [this] {
             s.SetStrEnding(few);

@@ -3,6 +3,8 @@
 // Strings of any units, and wide text in other encodings, unit by unit: the platform's own
 // conversions take a U+FEFF in front for a byte-order mark.
 
+#include "Model.h"
+
 #include <QChar>
 #include <QString>
 
@@ -16,6 +18,20 @@ String Holding(auto text)
     String s;
     s.AppendData(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));
     return s;
+}
+
+/// All that a string of either class holds, in front of its terminator.
+auto Content(const auto& s)
+{
+    MODEL_CHECK(s.GetDataPtr() == nullptr || s.GetDataPtr()[s.GetLength()] == 0);
+    return std::basic_string(s.GetDataPtr(), static_cast<std::size_t>(s.GetLength()));
+}
+
+/// Each byte as a unit.
+template <class Unit>
+std::basic_string<Unit> Widened(const std::string& text)
+{
+    return {text.begin(), text.end()};
 }
 
 /// UTF-8 of the units below 0x10000, surrogates too; the others are left out.
