@@ -269,9 +269,6 @@ bool CBaseUtil::GetArgumentFormURL(CQSString const& url, char const* name, CQSSt
             foundEmpty = true;
             at = sign;
         } else {
-            if (next >= original.size()) {
-                break;
-            }
             searched = original.substr(next);
             at = searched.find(wanted);
             next += 1 + at;

@@ -39,7 +39,7 @@ int Load(CQWString& s, QStringView text)
 {
     WideStore::Units replaced;
     const auto nLen = static_cast<int>(text.size());
-    if (nLen == 0 || !WideStore::MakeRoom(s, nLen, 0, 0, replaced)) {
+    if (nLen == 0 || !WideStore::MakeRoom(s, nLen, 0, nLen, replaced)) {
         return 0;
     }
     wchar_t* const pData = WideStore::Data(s);

@@ -33,8 +33,7 @@ inline CQWString Wide(const std::wstring& text)
 }
 
 // The whole content, zeros too.
-template <class String>
-std::string Content(const String& s)
+std::string Content(const auto& s)
 {
     const auto* const p = s.GetDataPtr();
     EXPECT_TRUE(p == nullptr ? s.GetLength() == 0 : p[s.GetLength()] == 0);

@@ -74,11 +74,15 @@ TEST(WithoutMemory, ByteStringIsEmptiedOrLeftAlone)
     }
 }
 
-// Its buffer would need one byte more than a 32-bit count tells; no memory is asked for at all.
-TEST(WithoutMemory, ByteStringRefusesTheLongestLength)
+// Their buffers would pass what a 32-bit count tells; no memory is asked for at all.
+TEST(WithoutMemory, TheLongestLengthsAreRefused)
 {
+    CQWString s = Wide(L"abc");
     const FailingAllocator allocator(1);
     EXPECT_EQ(0, CQSString(INT_MAX).GetLength());
+    EXPECT_EQ(nullptr, CQWString(0x1FFFFFFF).GetDataPtr());
+    EXPECT_EQ(0, s.PrepareBufferToWrite(INT_MAX));
+    EXPECT_EQ(nullptr, s.GetDataPtr());
     EXPECT_FALSE(allocator.HasFailed());
 }
 

@@ -4,23 +4,21 @@
 // come from outside or lie in one of the strings, the one that changes too.
 
 #include "Model.h"
+#include "Texts.h"
 
 #include <CQSString.h>
 #include <CQWString.h>
 #include <OrvoAssert.h>
 
 #include <climits>
-#include <cstring>
-#include <cwchar>
 #include <functional>
-#include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 using namespace std::string_literals;
 
-inline const std::string Blanks = "\n\r \t", Digits = "0123456789", HexDigits = Digits + "ABCDEF";
+inline const std::string Blanks = "\n\r \t", HexDigits = "0123456789ABCDEF";
 
 inline std::string reports, expectedReports;
 
@@ -39,22 +37,6 @@ inline int Index(std::size_t at)
 inline std::size_t Clip(long long n)
 {
     return static_cast<std::size_t>(std::max(n, 0LL));
-}
-
-template <class C>
-TextOf<C> Widened(const std::string& text)
-{
-    return {text.begin(), text.end()};
-}
-
-inline int Order(const char* a, const char* b)
-{
-    return std::strcmp(a, b);
-}
-
-inline int Order(const wchar_t* a, const wchar_t* b)
-{
-    return std::wcscmp(a, b);
 }
 
 template <class C>
@@ -112,8 +94,8 @@ struct Reference {
     int SetCounted(const TextOf<C>& text)
     {
         const int result = Set(text);
-        length =
-            IsWide<C> && result == 1 ? static_cast<int>(TextOf<C>(held.c_str()).size()) : length;
+        const TextOf<C> cut = held.c_str();
+        length = IsWide<C> && result == 1 ? static_cast<int>(cut.size()) : length;
         return result;
     }
     void SetOrEmpty(const TextOf<C>& text) { text.empty() ? Empty() : void(Set(text)); }
@@ -125,106 +107,47 @@ struct Rules;
 
 using Operations = std::vector<std::function<void()>>;
 
-template <class Text>
-Text Part(const Text& text, long long first, long long count)
+auto Part(const auto& text, long long first, long long count)
 {
     const std::size_t begin = Clip(first), end = std::min(Clip(first + count), text.size());
-    return begin < end ? text.substr(begin, end - begin) : Text();
+    return text.substr(std::min(begin, end), begin < end ? end - begin : 0);
 }
 
-template <class C>
-C Upper(C c)
+auto Upper(auto c)
 {
-    return c >= 'a' && c <= 'z' ? static_cast<C>(c - 'a' + 'A') : c;
+    return c >= 'a' && c <= 'z' ? static_cast<decltype(c)>(c - 'a' + 'A') : c;
 }
 
-template <class Text>
-bool EqualNoCase(const Text& a, const Text& b)
+unsigned Digit(auto c)
+{
+    const auto at = c < 128 ? HexDigits.find(static_cast<char>(Upper(c))) : HexDigits.npos;
+    return static_cast<unsigned>(std::min<std::size_t>(at, 99));
+}
+
+// Of the digits at the end.
+unsigned TrailingNumber(const auto& text, unsigned base)
+{
+    unsigned value = 0, place = 1;
+    for (auto it = text.rbegin(); it != text.rend() && Digit(*it) < base; ++it, place *= base) {
+        value += Digit(*it) * place;
+    }
+    return value;
+}
+
+bool EqualNoCase(const auto& a, const auto& b)
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](auto x, auto y) { return Upper(x) == Upper(y); });
 }
 
 template <class C>
-int CutBetween(const TextOf<C>& text, Reference<C>& out, const TextOf<C>& start,
-               const TextOf<C>& end, int from, bool keepStart, bool keepEnd)
-{
-    const std::size_t at = text.find(start, Clip(from));
-    if (Clip(from) + 1 >= text.size() || at == text.npos || at + start.size() >= text.size()) {
-        return -1;
-    }
-    const std::size_t close = text.find(end, at + start.size());
-    const std::size_t first = at + (keepStart ? 0 : start.size());
-    if (close == text.npos) {
-        return -1;
-    }
-    out.SetCounted(text.substr(first, close + (keepEnd ? end.size() : 0) - first));
-    return static_cast<int>(first);
-}
-
-template <class C>
-int Replace(Reference<C>& s, const TextOf<C>& from, const TextOf<C>& to)
-{
-    const TextOf<C> text = s.Text();
-    TextOf<C> changed;
-    std::size_t done = 0;
-    int count = 0;
-    for (std::size_t at; (at = text.find(from, done)) != text.npos; ++count) {
-        changed += text.substr(done, at - done) + to;
-        done = at + from.size();
-    }
-    count > 0 ? s.SetOrEmpty(changed + text.substr(done)) : void();
-    return count;
-}
-
-template <class C>
-TextOf<C> Trimmed(const TextOf<C>& text, bool left, bool right)
-{
-    const TextOf<C> blanks = Widened<C>(Blanks);
-    const std::size_t first = left ? text.find_first_not_of(blanks) : 0;
-    const std::size_t end = right ? text.find_last_not_of(blanks) + 1 : text.size();
-    return first < end ? text.substr(first, end - first) : TextOf<C>();
-}
-
-// Expects the report of an assertion that does not hold; returns whether it holds.
-template <class C>
-bool Asserted(bool holds, std::string expression)
-{
-    const std::size_t at = expression.find("m_nLen");
-    IsWide<C>&& at != expression.npos ? void(expression.insert(at + 3, "Data")) : void();
-    const auto source = IsWide<C> ? " in src/CQWString\n"s : " in src/CQSString\n"s;
-    expectedReports += holds ? "" : expression + source;
-    return holds;
-}
-
-template <class C>
-bool HasText(const Reference<C>& r)
-{
-    return Asserted<C>(r.length > 0, "m_pData != NULL && m_nLen > 0");
-}
-
-template <class C>
-bool HasNumber(const Reference<C>& r)
-{
-    const bool hasBuffer = Asserted<C>(r.hasBuffer, "m_pData != NULL");
-    return Asserted<C>(r.length > 0, "m_nLen > 0") && hasBuffer;
-}
-
-template <class C>
-C UnitAt(const Reference<C>& r, int i)
-{
-    const bool isInside =
-        Asserted<C>(i >= 0, "nIndex >= 0") && Asserted<C>(i < r.length, "nIndex < m_nLen");
-    return isInside ? r.held[Clip(i)] : C();
-}
-
-template <class C>
 TextOf<C> TakeText(ByteSource& source)
 {
     const int kind = source.Between(0, 7);
-    std::string text = kind < 4    ? source.Text(9, "aAb")
-                       : kind == 4 ? source.Text(9, " \t\r\n\v\0xz"s)
+    std::string text = kind < 4    ? source.Text(kind < 2 ? 2 : 9, "aAb")
+                       : kind == 4 ? source.Text(5, " \t\r\n  \n\t\v\0\x7F~"s)
                        : kind == 5 ? source.Text(24, "0123456789-afAFx")
+                       : kind == 6 ? source.Text(9, "@[`{\xB5\xBF\xC0\xD7\xDE\xDF\xE0\xF7\xFE\xFF")
                                    : source.Bytes(24);
     // Periodic texts with a flaw lead a plain search astray.
     const auto size = Clip(kind == 3 ? source.Between(0, 1200) : 0);
@@ -294,6 +217,70 @@ struct Step {
                               : taken % (q.length + 3);
     }
 
+    // Expects the report of an assertion that does not hold; returns whether it holds.
+    static bool Asserted(bool holds, std::string expression)
+    {
+        const std::size_t at = expression.find("m_nLen");
+        IsWide<C>&& at != expression.npos ? void(expression.insert(at + 3, "Data")) : void();
+        const auto source = IsWide<C> ? " in src/CQWString\n"s : " in src/CQSString\n"s;
+        expectedReports += holds ? "" : expression + source;
+        return holds;
+    }
+
+    static bool HasText(const Reference<C>& r)
+    {
+        return Asserted(r.length > 0, "m_pData != NULL && m_nLen > 0");
+    }
+
+    bool HasNumber() const
+    {
+        const bool hasBuffer = Asserted(r.hasBuffer, "m_pData != NULL");
+        return Asserted(r.length > 0, "m_nLen > 0") && hasBuffer;
+    }
+
+    C UnitAtN() const
+    {
+        const bool isInside =
+            Asserted(n >= 0, "nIndex >= 0") && Asserted(n < r.length, "nIndex < m_nLen");
+        return isInside ? r.held[Clip(n)] : C();
+    }
+
+    int CutBetween(const Text& start, const Text& end)
+    {
+        const std::size_t at = otherText.find(start, Clip(n)), inside = at + start.size();
+        if (Clip(n) + 1 >= otherText.size() || at == Text::npos || inside >= otherText.size()) {
+            return -1;
+        }
+        const std::size_t close = otherText.find(end, inside), first = keepStart ? at : inside;
+        if (close == Text::npos) {
+            return -1;
+        }
+        r.SetCounted(otherText.substr(first, close + (keepEnd ? end.size() : 0) - first));
+        return static_cast<int>(first);
+    }
+
+    int Replace(const Text& from, const Text& to)
+    {
+        Text changed;
+        std::size_t done = 0;
+        int hits = 0;
+        for (std::size_t at; (at = text.find(from, done)) != text.npos; ++hits) {
+            changed += text.substr(done, at - done) + to;
+            done = at + from.size();
+        }
+        hits > 0 ? r.SetOrEmpty(changed + text.substr(done)) : void();
+        return hits;
+    }
+
+    void Trim(bool left, bool right)
+    {
+        const Text blanks = Widened<C>(Blanks);
+        const std::size_t first = left ? text.find_first_not_of(blanks) : 0;
+        const std::size_t end = right ? text.find_last_not_of(blanks) + 1 : text.size();
+        text.empty() ? void()
+                     : r.SetOrEmpty(first < end ? text.substr(first, end - first) : Text());
+    }
+
     int Append(const Text& more) { return more.empty() ? 0 : r.Set(text + more); }
 
     // What moves looks like a copy.
@@ -316,7 +303,8 @@ struct Step {
     {
         const bool isText = r.hasBuffer && a.p != nullptr;
         const int none = IsWide<C> && a.p == nullptr ? (r.hasBuffer ? 1 : 0) : -1;
-        const int expected = isText ? Order(r.held.c_str(), a.p) : none;
+        // With the terminators: a wide unit may be less than 0.
+        const int expected = isText ? (Text(r.held.c_str()) + C()).compare(a.text + C()) : none;
         const int result = s.Compare(a.p);
         MODEL_CHECK((result < 0) == (expected < 0) && (result > 0) == (expected > 0));
         const int noCase = isText && EqualNoCase(text, a.text) ? 0 : -1;
@@ -331,8 +319,7 @@ struct Step {
         if (r.length > 0) {
             Text close = text; // another unit, or another case
             close[close.size() - 1 - static_cast<std::size_t>(a.size) % close.size()] ^= 0x20;
-            String changed;
-            changed.AppendData(reinterpret_cast<unsigned char*>(close.data()), r.length);
+            auto changed = Holding<String>(close);
             close = IsWide<C> ? close.c_str() : close;
             MODEL_CHECK(s.CompareNoCase(changed) == (EqualNoCase(text, close) ? 0 : -1));
         }
@@ -345,30 +332,18 @@ struct Step {
         MODEL_CHECK(s.Find(c) == Index(text.find(c)));
         MODEL_CHECK(s.Find(c, n) == (isInside || IsWide<C> ? Index(text.find(c, at)) : -1));
         MODEL_CHECK(s.FindBefore(c, n) == (isInside ? Index(text.rfind(c, at)) : -1));
-        const auto isText = [&] { return Asserted<C>(a.p != nullptr, "lpszSub != NULL"); };
+        const auto isText = [&] { return Asserted(a.p != nullptr, "lpszSub != NULL"); };
         MODEL_CHECK(s.Find(a.p) == (isText() && !text.empty() ? Index(text.find(a.text)) : -1));
         MODEL_CHECK(s.Find(a.p, n) ==
                     (isText() && at < text.size() ? Index(text.find(a.text, at)) : -1));
         const std::size_t size = std::min(a.text.size(), text.size());
         const Text start = text.substr(0, size), end = text.substr(text.size() - size);
-        const auto isFolded = [&](const Text& affix) {
-            return isText() && a.text.size() <= text.size() &&
-                           Rules<String>::EqualFolded(affix, a.text)
-                       ? 1
-                       : 0;
-        };
-        MODEL_CHECK(s.IsStartWith(a.p) == (isText() && start == a.text ? 1 : 0));
-        MODEL_CHECK(s.IsStartWithNoCase(a.p) == isFolded(start));
-        MODEL_CHECK(s.IsEndWith(a.p) == (isText() && end == a.text ? 1 : 0));
-        MODEL_CHECK(s.IsEndWithNoCase(a.p) == isFolded(end));
-    }
-
-    void Assign()
-    {
-        s = o;
-        if (&s != &o && (r.hasBuffer || q.hasBuffer)) {
-            IsWide<C> ? r.SetOrEmpty(otherText) : void(r.Set(otherText));
-        }
+        const bool fits = size == a.text.size();
+        const auto isSame = Rules<String>::EqualFolded;
+        MODEL_CHECK(s.IsStartWith(a.p) == (isText() && start == a.text));
+        MODEL_CHECK(s.IsStartWithNoCase(a.p) == (isText() && fits && isSame(start, a.text)));
+        MODEL_CHECK(s.IsEndWith(a.p) == (isText() && end == a.text));
+        MODEL_CHECK(s.IsEndWithNoCase(a.p) == (isText() && fits && isSame(end, a.text)));
     }
 
     void MapCase(bool upper)
@@ -381,85 +356,77 @@ struct Step {
 
     void CheckNumbers() const
     {
-        const std::size_t last = text.find_last_not_of(Widened<C>(Digits));
-        unsigned value = 0;
-        for (const C digit : text.substr(last + 1)) {
-            value = value * 10 + static_cast<unsigned>(digit - '0');
-        }
-        value = text[0] == '-' ? 0 - value : value;
-        MODEL_CHECK(s.ToINT() == (HasNumber(r) ? static_cast<int>(value) : -1));
-        const int hex = static_cast<int>(Rules<String>::Hex(text));
-        MODEL_CHECK(s.ToHEX() == (HasNumber(r) ? hex : -1));
+        const unsigned digits = TrailingNumber(text, 10);
+        const unsigned value = text[0] == '-' ? 0 - digits : digits;
+        MODEL_CHECK(s.ToINT() == (HasNumber() ? static_cast<int>(value) : -1));
+        const unsigned hex = Rules<String>::Hex(text);
+        MODEL_CHECK(s.ToHEX() == (HasNumber() ? static_cast<int>(hex) : -1));
     }
 
     Operations Common()
     {
-        return {[&] { MODEL_CHECK(s.SetData(a.p) == r.Set(a.text)); },
-                [&] { MODEL_CHECK(s.SetData(a.Bytes(), count) == r.SetCounted(counted)); },
-                [&] { MODEL_CHECK(s.AppendData(a.p) == Append(a.text)); },
-                [&] { MODEL_CHECK(s.AppendData(const_cast<C*>(a.p)) == Append(a.text)); },
-                [&] { MODEL_CHECK(s.AppendData(a.Bytes(), count) == Append(counted)); },
-                [&] { MODEL_CHECK(s.AppendChar(c) == Append({c})); },
-                [&] { Assign(); },
-                [&] { s.Empty(), r.Empty(); },
-                [&] { MODEL_CHECK(String::SafeStrlen(a.p) == static_cast<int>(a.text.size())); },
-                [&] { CopyAndMove(); },
-                [&] { Compare(); },
-                [&] { Find(); },
-                [&] { o.AllocCopy(s, m, n), r.SetCounted(Part(otherText, n, m)); },
-                [&] {
-                    o.GetSubString(s, n, m);
-                    Asserted<C>(n <= q.length, "nFirst + nCount <= m_nLen");
-                    r.SetCounted(Part(otherText, std::max(n, 0), m));
-                },
-                [&] {
-                    const int result = o.GetSubString(s, a.p, b.p, n, keepStart, keepEnd);
-                    MODEL_CHECK(result == (HasText(q) && a.p != nullptr && b.p != nullptr
-                                               ? CutBetween(otherText, r, a.text, b.text, n,
-                                                            keepStart, keepEnd)
-                                               : -1));
-                },
-                [&] {
-                    const int result = o.GetSubString(s, c, d, n, keepStart, keepEnd);
-                    MODEL_CHECK(result == (HasText(q) ? CutBetween(otherText, r, {c}, {d}, n,
-                                                                   keepStart, keepEnd)
-                                                      : -1));
-                },
-                [&] {
-                    const bool isAsked = !a.text.empty() && a.text != b.text;
-                    const int refused = !IsWide<C> && a.p == nullptr && !text.empty() ? -1 : 0;
-                    MODEL_CHECK(s.Replace(a.p, b.p) ==
-                                (isAsked ? Replace(r, a.text, b.text) : refused));
-                },
-                [&] {
-                    s.SetAt(n, c);
-                    UnitAt(r, n);
-                    n >= 0 && n < r.length ? void(r.held[Clip(n)] = c) : void();
-                    MODEL_CHECK(s.GetAt(n) == UnitAt(r, n));
-                    MODEL_CHECK(s[n] == UnitAt(r, n));
-                },
-                [&] {
-                    s.TrimRightAndLeft();
-                    text.empty() ? void() : r.SetOrEmpty(Trimmed(text, true, true));
-                },
-                [&] { MapCase(true); },
-                [&] { MapCase(false); },
-                [&] { CheckNumbers(); },
-                [&] {
-                    const int i = static_cast<int>(number);
-                    keepStart ? s.ToString(i) : s.ToString(number);
-                    r.Set(Widened<C>(keepStart ? std::to_string(i) : std::to_string(number)));
-                }};
+        return {
+            [&] { MODEL_CHECK(s.SetData(a.p) == r.Set(a.text)); },
+            [&] { MODEL_CHECK(s.SetData(a.Bytes(), count) == r.SetCounted(counted)); },
+            [&] { MODEL_CHECK(s.AppendData(a.p) == Append(a.text)); },
+            [&] { MODEL_CHECK(s.AppendData(const_cast<C*>(a.p)) == Append(a.text)); },
+            [&] { MODEL_CHECK(s.AppendData(a.Bytes(), count) == Append(counted)); },
+            [&] { MODEL_CHECK(s.AppendChar(c) == Append({c})); },
+            [&] {
+                s = o;
+                const bool isSame = &s == &o || (!r.hasBuffer && !q.hasBuffer);
+                IsWide<C> && !isSame ? r.SetOrEmpty(otherText) : void(isSame || r.Set(otherText));
+            },
+            [&] { s.Empty(), r.Empty(); },
+            [&] { MODEL_CHECK(String::SafeStrlen(a.p) == static_cast<int>(a.text.size())); },
+            [&] { CopyAndMove(); },
+            [&] { Compare(); },
+            [&] { Find(); },
+            [&] { o.AllocCopy(s, m, n), r.SetCounted(Part(otherText, n, m)); },
+            [&] {
+                o.GetSubString(s, n, m);
+                Asserted(n <= q.length, "nFirst + nCount <= m_nLen");
+                r.SetCounted(Part(otherText, std::max(n, 0), m));
+            },
+            [&] {
+                const int result = o.GetSubString(s, a.p, b.p, n, keepStart, keepEnd);
+                const bool isAsked = HasText(q) && a.p != nullptr && b.p != nullptr;
+                MODEL_CHECK(result == (isAsked ? CutBetween(a.text, b.text) : -1));
+            },
+            [&] {
+                const int result = o.GetSubString(s, c, d, n, keepStart, keepEnd);
+                MODEL_CHECK(result == (HasText(q) ? CutBetween({c}, {d}) : -1));
+            },
+            [&] {
+                const bool isAsked = !a.text.empty() && a.text != b.text;
+                const int refused = !IsWide<C> && a.p == nullptr && !text.empty() ? -1 : 0;
+                MODEL_CHECK(s.Replace(a.p, b.p) == (isAsked ? Replace(a.text, b.text) : refused));
+            },
+            [&] {
+                s.SetAt(n, c);
+                UnitAtN();
+                n >= 0 && n < r.length ? void(r.held[Clip(n)] = c) : void();
+                MODEL_CHECK(s.GetAt(n) == UnitAtN());
+                MODEL_CHECK(s[n] == UnitAtN());
+            },
+            [&] { s.TrimRightAndLeft(), Trim(true, true); },
+            [&] { MapCase(true); },
+            [&] { MapCase(false); },
+            [&] { CheckNumbers(); },
+            [&] {
+                const int i = static_cast<int>(number);
+                keepStart ? s.ToString(i) : s.ToString(number);
+                r.Set(Widened<C>(keepStart ? std::to_string(i) : std::to_string(number)));
+            },
+        };
     }
 
     Operations Own(); // those of the class alone
 
     void Run()
     {
-        Operations operations = Common();
-        for (auto& own : Own()) {
-            operations.push_back(own);
-        }
+        Operations operations = Common(), own = Own();
+        operations.insert(operations.end(), own.begin(), own.end());
         operations[static_cast<std::size_t>(choice) % operations.size()]();
     }
 

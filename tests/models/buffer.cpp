@@ -17,8 +17,7 @@ struct Model {
     std::size_t used = 0;
 
     /// The same bytes to both.
-    template <class... Data>
-    void CheckAppend(CMLDataBuf& buffer, const std::string& bytes, Data... data)
+    void CheckAppend(CMLDataBuf& buffer, const std::string& bytes, auto... data)
     {
         const bool fits = bytes.size() <= storage.size() - used;
         const std::size_t appended = fits ? bytes.size() : 0;
@@ -40,7 +39,7 @@ struct Model {
 
     void Step(CMLDataBuf& buffer, ByteSource& source)
     {
-        const int operation = source.Between(0, 6);
+        const int operation = source.Between(0, 7);
         const std::uint32_t word = source.Word();
         const auto half = static_cast<unsigned short>(word);
         const std::string host(reinterpret_cast<const char*>(&word), 4);
@@ -60,6 +59,12 @@ struct Model {
                         static_cast<unsigned long>(bytes.size()));
         } else if (operation == 5) {
             CheckMove(buffer, static_cast<int>(word % (used + 4)) - 2);
+        } else if (operation == 6) { // refused, and nothing changes
+            const unsigned long beyond = sizeof beyond > 4 ? ~0UL / 2 + 2 : 0;
+            unsigned char* const own = buffer.GetBuf();
+            MODEL_CHECK(buffer.Create(0) + buffer.Create(beyond) + buffer.Create(nullptr, 10) == 0);
+            MODEL_CHECK(buffer.Create(own, 0) + buffer.Create(own, beyond) == 0);
+            MODEL_CHECK(buffer.Append(nullptr, 1) + buffer.Append(own, ~0UL) == 0);
         } else {
             buffer.Zero();
             *this = {std::string(storage.size(), '\0'), 0};

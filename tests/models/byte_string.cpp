@@ -2,42 +2,29 @@
 
 #include "StringModel.h"
 
+#include <QByteArray>
 #include <QChar>
 
-#include <cerrno>
+#include <cstring>
 
 namespace
 {
 
-// Of the digits among the bytes; others are skipped.
-unsigned Number(const std::string& text, unsigned base)
-{
-    unsigned value = 0;
-    for (const char c : text) {
-        const std::size_t digit = HexDigits.find(Upper(c));
-        value = digit == std::string::npos ? value : value * base + static_cast<unsigned>(digit);
-    }
-    return value;
-}
-
 // The hexadecimal text that ToHexString() writes, or nothing.
 std::string HexText(const std::string& text)
 {
-    if (text.empty() || text[0] == '0' || HexDigits.find(Upper(text[0])) == std::string::npos) {
+    if (text.empty() || text[0] == '0' || Digit(text[0]) > 15) {
         return "";
     }
     std::string hex = text;
     if (text[0] <= '9') {
-        const std::string number = text.c_str();
-        errno = 0;
-        const auto value = std::strtoull(number.c_str(), nullptr, 10);
-        const bool isNumber = number.find_first_not_of(Digits) == number.npos && errno == 0;
-        hex.resize(17);
-        hex.resize(Clip(std::snprintf(hex.data(), 17, "%llx", isNumber ? value : 0)));
+        const QByteArray number = text.c_str();
+        const bool isNumber = text.find_first_not_of("0123456789") >= Clip(number.size());
+        hex = QByteArray::number(isNumber ? number.toULongLong() : 0, 16).toStdString();
     }
     std::string units;
     for (const char c : hex) {
-        units += {'\0', c >= 'a' && c <= 'f' ? Upper(c) : c};
+        units += {'\0', Digit(c) < 16 ? Upper(c) : c};
     }
     return units;
 }
@@ -70,7 +57,15 @@ struct Rules<CQSString> {
         return text;
     }
 
-    static unsigned Hex(const std::string& text) { return Number(text, 16); }
+    // Of the digits among the bytes; others are skipped.
+    static unsigned Hex(const std::string& text)
+    {
+        unsigned value = 0;
+        for (const char c : text) {
+            value = Digit(c) < 16 ? value * 16 + Digit(c) : value;
+        }
+        return value;
+    }
 
     static bool EqualFolded(const std::string& a, const std::string& b) { return a == b; }
 };
@@ -80,7 +75,7 @@ Operations Step<CQSString>::Own()
 {
     return {
         [this] {
-            s.AllocBuffer(few), Asserted<char>(few >= 0, "nLen >= 0");
+            s.AllocBuffer(few), Asserted(few >= 0, "nLen >= 0");
             r.Set(std::string(Clip(few), '\0'));
         },
         [this] { MODEL_CHECK(CQSString(few).GetLength() == std::max(few, 0)); },
@@ -104,14 +99,18 @@ Operations Step<CQSString>::Own()
             const bool hasSameText = std::strcmp(r.Text().c_str(), r.held.c_str()) == 0;
             MODEL_CHECK((CQSString(s) == s) == (r.length > 0 && hasSameText));
         },
+        [this] { keepStart ? s.TrimLeft() : s.TrimRight(), Trim(keepStart, !keepStart); },
         [this] {
-            keepStart ? s.TrimLeft() : s.TrimRight();
-            text.empty() ? void() : r.SetOrEmpty(Trimmed(text, keepStart, !keepStart));
+            std::string range = text;
+            const int size = std::min(few, r.length);
+            CQSString::MakeLower(a.p == nullptr ? a.p : range.data(), size);
+            const bool isRange =
+                Asserted(a.p != nullptr && size > 0, "lpszStart != NULL && nLen > 0");
+            const std::size_t end = isRange ? Clip(size) : 0;
+            MODEL_CHECK(range ==
+                        Rules<CQSString>::MapCase(text.substr(0, end), false) + text.substr(end));
         },
-        [this] {
-            const unsigned value = Number(text.substr(text.find_last_not_of(Digits) + 1), 10);
-            MODEL_CHECK(s.ToUINT() == (HasNumber(r) ? value : 0));
-        },
+        [this] { MODEL_CHECK(s.ToUINT() == (HasNumber() ? TrailingNumber(text, 10) : 0)); },
         [this] { MODEL_CHECK(s.ToHexString() == r.Set(HexText(text))); },
     };
 }

@@ -1,17 +1,16 @@
 // The converter both ways, its wrappers, and what the strings make of encoded text.
 
 #include "Model.h"
+#include "Texts.h"
 
 #include <BaseUtil.h>
 #include <CQSString.h>
 #include <CQWString.h>
 #include <CStrConvertor.h>
 
-#include <QString>
 #include <QVector>
 
-#include <cstring>
-#include <string>
+#include <optional>
 #include <vector>
 
 namespace
@@ -37,58 +36,21 @@ Units MakeUnits(ByteSource& source)
 
 std::string MakeBytes(ByteSource& source)
 {
-    static constexpr const char* Pieces[] = {"a",
-                                             "\x7F",
-                                             "\xC3\xA9",
-                                             "\xE4\xB8\xAD",
-                                             "\xF0\x9F\x98\x80",
-                                             "\xEF\xBB\xBF",
-                                             "\x80",
-                                             "\xF8",
-                                             "\xFB",
-                                             "\xFF",
-                                             "\xC0\x80",
-                                             "\xE4\xB8",
-                                             "\xC3",
-                                             "\xE4",
-                                             "\xF0\x9F\x98",
-                                             "\xED\xA0\x80",
-                                             "\xED\x9F\xBF",
-                                             "\xEE\x80\x80",
-                                             "\xF4\x90\x80\x80",
-                                             "\xE0\x80\x80",
-                                             "\xEF\xBF\xBF",
-                                             "\xED\xB0\x80",
-                                             ""};
+    static const auto Pieces =
+        QByteArray(
+            "61 7F C3A9 E4B8AD F09F9880 EFBBBF 80 F8 FB FF C080 E4B8 C3 E4 F09F98 EDA080 "
+            "ED9FBF EE8080 F4908080 E08080 EFBFBF EDB080 C1BF C280 DFBF E09FBF E0A080 ECBFBF "
+            "F0808080 F08FBFBF F0908080 F48FBFBF F5808080 F09F F0 F7BFBFBF EDBFBF 00")
+            .split(' ');
     std::string bytes;
     for (int pieces = source.Between(0, 9); pieces > 0; --pieces) {
-        const std::string text = Pieces[source.Between(0, 22)];
-        const std::string piece = text.empty() ? std::string(1, '\0') : text;
-        for (int times = source.Flag() ? 1 : source.Between(1, 40); times > 0; --times) {
-            bytes += piece;
-        }
+        const QByteArray piece = QByteArray::fromHex(Pieces[source.Between(0, 37)]);
+        bytes += piece.repeated(source.Flag() ? 1 : source.Between(1, 40)).toStdString();
     }
     return bytes + source.Bytes(3);
 }
 
-std::string Encoded(const Units& units)
-{
-    std::string bytes;
-    for (const wchar_t c : units) {
-        const auto u = static_cast<std::uint32_t>(c);
-        if (u < 0x80) {
-            bytes += static_cast<char>(u);
-        } else if (u < 0x800) {
-            bytes += {static_cast<char>(0xC0 | u >> 6), static_cast<char>(0x80 | (u & 0x3F))};
-        } else if (u < 0x10000) {
-            bytes += {static_cast<char>(0xE0 | u >> 12), static_cast<char>(0x80 | (u >> 6 & 0x3F)),
-                      static_cast<char>(0x80 | (u & 0x3F))};
-        }
-    }
-    return bytes;
-}
-
-int LengthAt(const std::string& text, std::size_t at)
+std::size_t LengthAt(const std::string& text, std::size_t at)
 {
     const auto lead = static_cast<unsigned char>(text[at]);
     return lead < 0x80 ? 1 : lead < 0xC0 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 0;
@@ -98,54 +60,56 @@ int LengthAt(const std::string& text, std::size_t at)
 int Steps(const std::string& text)
 {
     std::size_t at = 0;
-    int steps = 0;
-    for (; at < text.size(); ++steps) {
+    for (int steps = 0; at < text.size(); at += LengthAt(text, at), ++steps) {
         if (LengthAt(text, at) == 0) {
             return steps;
         }
-        at += static_cast<std::size_t>(LengthAt(text, at));
     }
     return static_cast<int>(text.size());
 }
 
-std::u16string Decoded(std::string text, std::size_t room)
+// What the terminator cuts off counts as zero bits.
+std::u16string Decoded(const std::string& bytes, std::size_t room)
 {
-    text = text.c_str();
+    const std::string text = bytes.c_str() + std::string(2, '\0');
     std::u16string units;
-    for (std::size_t at = 0; at < text.size() && units.size() < room;) {
-        const int length = LengthAt(text, at);
-        unsigned unit = static_cast<unsigned char>(text[at++]) & (length == 2   ? 0x1F
-                                                                  : length == 3 ? 0x0F
-                                                                                : 0x7F);
-        for (int i = 1; i < length; ++i) {
-            unit = unit << 6 |
-                   (at < text.size() ? static_cast<unsigned char>(text[at++]) & 0x3FU : 0U);
-        }
-        if (length > 0) {
-            units += static_cast<char16_t>(unit);
-        }
+    for (std::size_t at = 0; text[at] != 0 && units.size() < room;) {
+        const auto bits = [&](std::size_t i, int mask) { return text[at + i] & mask; };
+        const std::size_t length = LengthAt(text, at);
+        const int unit = length == 1   ? bits(0, 0x7F)
+                         : length == 2 ? bits(0, 0x1F) << 6 | bits(1, 0x3F)
+                                       : bits(0, 0x0F) << 12 | bits(1, 0x3F) << 6 | bits(2, 0x3F);
+        units.append(length > 0 ? 1 : 0, static_cast<char16_t>(unit));
+        at = std::min(at + std::max<std::size_t>(length, 1), text.size() - 2);
     }
     return units;
 }
 
+// Buffers are on the heap and of the exact size, so that a sanitizer sees every access outside.
 void CheckEncoder(ByteSource& source)
 {
     const Units units = MakeUnits(source);
-    const std::string expected = Encoded(units);
-    const int size = static_cast<int>(expected.size());
-    for (int capacity : {size - 1, size, size + 1, 3 * static_cast<int>(units.size())}) {
-        std::vector<char> out(static_cast<std::size_t>(std::max(capacity, 0)), '\x55');
-        std::vector<char> same = out;
+    const std::string encoded = BmpUtf8(units);
+    const int size = static_cast<int>(encoded.size());
+    for (const int capacity : {size - 1, size, size + 1, 3 * static_cast<int>(units.size())}) {
+        if (capacity < 1) {
+            continue; // no room would be null
+        }
         const int result = capacity < size ? -1 : size;
-        const auto encode = [&](auto converter, auto& into) {
-            return converter(into.data(), capacity, units.data(), static_cast<int>(units.size()));
+        std::vector<char> expected(static_cast<std::size_t>(capacity), '\x55');
+        const std::vector<char> before = expected;
+        std::copy_n(encoded.data(), std::max(result, 0), expected.data());
+        const auto encode = [&](auto converter) {
+            std::vector<char> out = before;
+            int room = capacity;
+            const int returned =
+                converter(out.data(), room, units.data(), static_cast<int>(units.size()));
+            MODEL_CHECK(out == expected);
+            return std::pair(returned, room);
         };
-        MODEL_CHECK(out.empty() || encode(CStrConvertor::Unicode2Utf8, out) == result);
-        std::copy_n(expected.data(), out.empty() ? 0 : std::max(result, 0), same.data());
-        MODEL_CHECK(out == same);
-        MODEL_CHECK(out.empty() || encode(CBaseUtil::UnicodeToUTF8, out) == result);
-        MODEL_CHECK(out.empty() || encode(CBaseUtil::Unicode2Char, out) == 1);
-        MODEL_CHECK(out.empty() || capacity == result);
+        MODEL_CHECK(encode(CStrConvertor::Unicode2Utf8) == std::pair(result, capacity));
+        MODEL_CHECK(encode(CBaseUtil::UnicodeToUTF8) == std::pair(result, capacity));
+        MODEL_CHECK(encode(CBaseUtil::Unicode2Char) == std::pair(1, result));
     }
 }
 
@@ -154,21 +118,20 @@ void CheckDecoder(ByteSource& source)
     const std::string text = MakeBytes(source);
     const int size = static_cast<int>(text.size());
     const int steps = Steps(text);
-    // Of the exact size, so that a sanitizer sees every access outside.
     std::vector<char> bytes(text.c_str(), text.c_str() + text.size() + 1);
     for (const int capacity : {steps - 1, steps, size + 1, source.Between(0, 20)}) {
         std::vector<wchar_t> out(static_cast<std::size_t>(std::max(capacity, 0)), 0x55555555);
-        std::vector<wchar_t> same = out;
+        std::vector<wchar_t> expected = out;
+        out.reserve(1);
         const std::u16string units =
             capacity < steps ? std::u16string() : Decoded(text, 2 * out.size());
-        if (!units.empty()) {
-            std::memcpy(same.data(), units.data(), 2 * units.size());
-        }
+        std::copy_n(reinterpret_cast<const char*>(units.data()), 2 * units.size(),
+                    reinterpret_cast<char*>(expected.data()));
         const int result = capacity < steps ? -1 : static_cast<int>(units.size());
         for (auto* const decode :
              {CStrConvertor::Utf82Unicode, CBaseUtil::UTF8ToUnicode, CBaseUtil::Char2Unicode}) {
-            MODEL_CHECK(out.empty() || decode(out.data(), capacity, bytes.data(), size) == result);
-            MODEL_CHECK(out == same);
+            MODEL_CHECK(decode(out.data(), capacity, bytes.data(), size) == result);
+            MODEL_CHECK(out == expected);
         }
     }
 }
@@ -181,53 +144,31 @@ Units FromPlatform(const QString& text)
     return units;
 }
 
-Units Content(const CQWString& s)
+// What a setter stores, unless it refuses.
+std::optional<Units> Stored(const QString& text)
 {
-    MODEL_CHECK(s.GetDataPtr() == nullptr || s.GetDataPtr()[s.GetLength()] == 0);
-    return {s.GetDataPtr(), static_cast<std::size_t>(s.GetLength())};
+    const Units units = FromPlatform(text).c_str();
+    const bool hasPair = text.toUcs4().size() != text.size();
+    return hasPair || units.empty() ? std::nullopt : std::optional(units);
 }
 
-// What a refusing setter makes of a string that holds "old".
-Units Stored(const QString& text, int& result)
+// Two characters a unit, up to the first zero one.
+std::optional<Units> Packed(const std::string& text)
 {
-    const Units units = FromPlatform(text);
-    const bool hasPair = static_cast<int>(text.toUcs4().size()) != text.size();
-    result = hasPair || units.empty() || units[0] == 0 ? 0 : 1;
-    return result == 0 ? L"old" : units.c_str();
+    const std::u16string decoded = Decoded(text, text.size()) + u'\0';
+    Units units;
+    for (std::size_t i = 0; i + 1 < decoded.size(); i += 2) {
+        units += static_cast<wchar_t>(decoded[i] | decoded[i + 1] << 16);
+    }
+    return units.empty() ? std::nullopt : std::optional<Units>(units.c_str());
 }
 
-Units Packed(const std::string& text, std::size_t room)
-{
-    std::u16string packed = Decoded(text, 2 * room);
-    const std::size_t count = std::min(packed.size(), room);
-    packed.resize(2 * (room + 1));
-    Units units(room + 1, L'\0');
-    std::memcpy(units.data(), packed.data(), 2 * packed.size());
-    return count == 0 ? L"old" : units.substr(0, count).c_str();
-}
-
-template <class Set>
-void CheckSetter(const Units& expected, int expectedResult, Set set)
+void CheckSetter(const std::optional<Units>& stored, bool isAccepted, auto set)
 {
     CQWString s;
     s.SetData(L"old");
-    MODEL_CHECK(set(s) == expectedResult);
-    MODEL_CHECK(Content(s) == expected);
-}
-
-std::u16string Utf16(const Units& units, char16_t foreign)
-{
-    std::u16string utf16;
-    for (const wchar_t c : units) {
-        const auto unit = static_cast<char32_t>(c);
-        if (unit > 0xFFFF && unit <= 0x10FFFF) {
-            utf16 += static_cast<char16_t>(QChar::highSurrogate(unit));
-            utf16 += static_cast<char16_t>(QChar::lowSurrogate(unit));
-        } else {
-            utf16 += unit > 0xFFFF ? foreign : static_cast<char16_t>(unit);
-        }
-    }
-    return utf16;
+    MODEL_CHECK(set(s) == (isAccepted ? 1 : 0));
+    MODEL_CHECK(Content(s) == stored.value_or(L"old"));
 }
 
 void CheckWideSetters(ByteSource& source)
@@ -236,61 +177,58 @@ void CheckWideSetters(ByteSource& source)
     const int size = static_cast<int>(text.size());
     const std::vector<unsigned char> exact(text.begin(), text.end());
     const auto* const bytes = exact.data();
-    CQSString narrow;
-    narrow.AppendData(const_cast<unsigned char*>(bytes), size);
+    const auto narrow = Holding<CQSString>(text);
 
-    const Units packed = text.empty() ? L"old" : Packed(text, text.size() + 1);
-    CheckSetter(packed, 1, [&](CQWString& s) { return s.SeASCIIData(bytes, size); });
-    CheckSetter(packed, bytes == nullptr ? 0 : 1,
-                [&](CQWString& s) { return s.SetGBKByteData(bytes, size); });
-    CheckSetter(packed, 1, [&](CQWString& s) { return s = narrow, 1; });
+    const auto packed = Packed(text);
+    CheckSetter(packed, true, [&](CQWString& s) { return s.SeASCIIData(bytes, size); });
+    CheckSetter(packed, size > 0, [&](CQWString& s) { return s.SetGBKByteData(bytes, size); });
+    CheckSetter(packed, true, [&](CQWString& s) { return s = narrow, 1; });
 
-    int result = 0;
-    Units stored = Stored(QString::fromUtf8(text.data(), size), result);
-    CheckSetter(stored, result, [&](CQWString& s) { return s.SetUTF8Data(bytes, size); });
-    CheckSetter(stored, size > 0 ? 1 : 0, [&](CQWString& s) { return s.SetByteData(bytes, size); });
+    auto stored = Stored(QString::fromUtf8(text.data(), size));
+    CheckSetter(stored, stored.has_value(),
+                [&](CQWString& s) { return s.SetUTF8Data(bytes, size); });
+    CheckSetter(stored, size > 0, [&](CQWString& s) { return s.SetByteData(bytes, size); });
     const Units whole = FromPlatform(QString::fromUtf8(text.c_str()));
-    const Units constructed = Content(CQWString(narrow));
-    MODEL_CHECK(constructed ==
-                (whole.empty() ? packed == L"old" ? L"" : packed : Units(whole.c_str())));
+    CQWString constructed(narrow);
+    MODEL_CHECK(Content(constructed) ==
+                (whole.empty() ? packed.value_or(L"") : Units(whole.c_str())));
+    // Stored twice, first with a count of 16-bit units: the room tells of both.
+    const auto first = Decoded(text, text.size()).size(), second = whole.size();
+    const std::size_t room = second <= first ? first
+                             : first == 0    ? second
+                                             : second + std::min<std::size_t>(second, 512);
+    MODEL_CHECK(room == 0 || constructed.PrepareBufferToWrite(static_cast<int>(room)) == 0);
+    MODEL_CHECK(constructed.PrepareBufferToWrite(static_cast<int>(room) + 1) == 1);
 
-    const std::u16string utf16 = Utf16(MakeUnits(source), u'\uFFFE');
+    const QString utf16 = Utf16(MakeUnits(source), u'\uFFFE');
     const int count = static_cast<int>(utf16.size());
-    QString platform = QString::fromUtf16(utf16.data(), count);
+    QString platform = QString::fromUtf16(reinterpret_cast<const char16_t*>(utf16.data()), count);
     const auto* const raw = reinterpret_cast<const unsigned char*>(utf16.data());
-    stored = Stored(platform, result);
-    CheckSetter(stored, result, [&](CQWString& s) { return s.SetUTF16Data(raw, count); });
-    CheckSetter(stored, result, [&](CQWString& s) { return s.SetData(platform); });
+    stored = Stored(platform);
+    const bool isAccepted = stored.has_value();
+    CheckSetter(stored, isAccepted, [&](CQWString& s) { return s.SetUTF16Data(raw, count); });
+    CheckSetter(stored, isAccepted, [&](CQWString& s) { return s.SetData(platform); });
     MODEL_CHECK(Content(CQWString(platform)) == FromPlatform(platform));
 }
 
 void CheckNarrowSetters(ByteSource& source)
 {
     const Units units = MakeUnits(source);
-    CQWString wide;
-    wide.AppendData(reinterpret_cast<unsigned char*>(const_cast<wchar_t*>(units.data())),
-                    static_cast<int>(units.size()));
+    const auto wide = Holding<CQWString>(units);
     CQSString set, assigned;
     set.SetData("old");
     MODEL_CHECK(set.SetData(&wide) == 1);
     assigned = wide;
-    const std::string encoded = Encoded(units);
-    const std::string expected = encoded.empty() ? "old" : encoded;
-    const auto content = [](const CQSString& s) {
-        return std::string(s.GetDataPtr() == nullptr ? "" : s.GetDataPtr(),
-                           static_cast<std::size_t>(s.GetLength()));
-    };
-    MODEL_CHECK(content(set) == expected);
-    MODEL_CHECK(content(assigned) == encoded);
+    const std::string encoded = BmpUtf8(units);
+    MODEL_CHECK(Content(set) == (encoded.empty() ? "old" : encoded));
+    MODEL_CHECK(Content(assigned) == encoded);
     // Two units that form a pair are one character; what is no code point becomes a question mark.
-    const std::u16string text = Utf16(units.c_str(), u'?');
-    const QByteArray joined =
-        QString(reinterpret_cast<const QChar*>(text.data()), static_cast<int>(text.size()))
-            .toUtf8();
-    MODEL_CHECK(content(CQSString(wide)) == (joined.isEmpty() ? encoded : joined.toStdString()));
-    const std::u16string utf16 = Utf16(units, u'\uFFFD');
+    const QByteArray joined = Utf16(units.c_str(), u'?').toUtf8();
+    MODEL_CHECK(Content(CQSString(wide)) == (joined.isEmpty() ? encoded : joined.toStdString()));
+    const QString utf16 = Utf16(units);
     for (int asked = 0; asked < 2; ++asked) {
-        MODEL_CHECK(std::memcmp(wide.WCharToUtf16(), utf16.c_str(), 2 * utf16.size() + 2) == 0);
+        MODEL_CHECK(
+            std::equal(utf16.utf16(), utf16.utf16() + utf16.size() + 1, wide.WCharToUtf16()));
     }
 }
 

@@ -4,26 +4,26 @@
 
 #include <CCrypt.h>
 
+#include <QtEndian>
+
 #include <algorithm>
 #include <climits>
-#include <vector>
 
 namespace
 {
 
-using Block = std::uint64_t;
+using Block = quint64;
 
 struct Cipher {
     std::string key;
-    int encryptArith = 1, decryptArith = 0;
+    unsigned char encryptArith = 1, decryptArith = 0;
 
     std::uint32_t Mix(std::uint32_t v, std::uint32_t sum, std::size_t k) const
     {
-        std::uint32_t words[2] = {};
-        for (std::size_t i = 0; i < 8; ++i) {
-            words[i / 4] = words[i / 4] << 8 | static_cast<unsigned char>(key[k + i]);
-        }
-        return ((v << 4) + words[0]) ^ (v + sum) ^ ((v >> 5) + words[1]);
+        const auto word = [this](std::size_t at) {
+            return qFromBigEndian<quint32>(key.data() + at);
+        };
+        return ((v << 4) + word(k)) ^ (v + sum) ^ ((v >> 5) + word(k + 4));
     }
 
     Block Cycles(Block block, bool encipher) const
@@ -44,19 +44,15 @@ struct Cipher {
     /// All whole blocks through the feedback mode, whatever they hold.
     std::string Run(const std::string& in, bool encipher) const
     {
-        std::string out;
-        for (Block lastCipher = 0, lastInput = 0; out.size() + 8 <= in.size();) {
-            Block block = 0;
-            for (std::size_t i = 0; i < 8; ++i) {
-                block = block << 8 | static_cast<unsigned char>(in[out.size() + i]);
-            }
+        std::string out(in.size() & ~std::size_t{7}, '\0');
+        Block lastCipher = 0, lastInput = 0;
+        for (std::size_t at = 0; at < out.size(); at += 8) {
+            const auto block = qFromBigEndian<Block>(in.data() + at);
             const Block input = encipher ? block ^ lastCipher : Cycles(block ^ lastInput, false);
             const Block made = encipher ? Cycles(input, true) ^ lastInput : input ^ lastCipher;
+            qToBigEndian(made, out.data() + at);
             lastCipher = encipher ? made : block;
             lastInput = input;
-            for (int shift = 56; shift >= 0; shift -= 8) {
-                out += static_cast<char>(made >> shift);
-            }
         }
         return out;
     }
@@ -117,13 +113,12 @@ void CheckDecrypt(const CCrypt& crypt, const Cipher& model, std::string envelope
 
 void DriveModel(ByteSource& source)
 {
-    const int flags = source.Byte();
-    Cipher model{std::string(16, static_cast<char>(source.Byte())), flags & 1, flags >> 1 & 1};
-    CCrypt crypt(Unsigned(model.key), static_cast<unsigned char>(model.encryptArith),
-                 static_cast<unsigned char>(model.decryptArith));
-    if ((flags & 4) != 0) {
+    const std::uint8_t flags = source.Byte();
+    Cipher model{std::string(16, static_cast<char>(source.Byte())), flags % 2 == 1, flags % 4 > 1};
+    CCrypt crypt(Unsigned(model.key), model.encryptArith, model.decryptArith);
+    if (flags % 8 > 3) {
         crypt = CCrypt();
-        model = {std::string(16, '\0'), 1, 0};
+        model = {std::string(16, '\0')};
     }
     while (!source.IsEmpty()) {
         const int operation = source.Between(0, 7);
@@ -132,10 +127,9 @@ void DriveModel(ByteSource& source)
             crypt.SetKey(Unsigned(bytes), static_cast<int>(bytes.size()));
             model.key = bytes.size() == 16 ? bytes : model.key;
         } else if (operation == 1) {
-            model.encryptArith = source.Between(0, 2);
-            model.decryptArith = source.Between(0, 1);
-            crypt.SetArith(static_cast<unsigned char>(model.encryptArith),
-                           static_cast<unsigned char>(model.decryptArith));
+            model.encryptArith = source.Byte() % 3;
+            model.decryptArith = source.Byte() % 2;
+            crypt.SetArith(model.encryptArith, model.decryptArith);
             const auto length = static_cast<int>(source.Word());
             MODEL_CHECK(crypt.FindEncryptSize(length) == model.FindSize(length));
         } else if (operation <= 3) {
@@ -143,7 +137,8 @@ void DriveModel(ByteSource& source)
         } else {
             if (operation >= 6) { // any header and fill, a trailer that is mostly right
                 bytes.resize((bytes.size() + 17) / 8 * 8);
-                bytes.back() = static_cast<char>(source.Byte() % 4 == 0 ? source.Byte() : 0);
+                bytes.end()[source.Between(-7, -1)] =
+                    static_cast<char>(source.Byte() % 4 == 0 ? source.Byte() : 0);
                 bytes = model.Run(bytes, true);
             }
             const int room = static_cast<int>(bytes.size()) - source.Between(0, 20);

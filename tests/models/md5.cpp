@@ -17,8 +17,7 @@ QByteArray Digest(const QByteArray& message)
     return QCryptographicHash::hash(message, QCryptographicHash::Md5);
 }
 
-template <class Bytes>
-unsigned char* Unsigned(Bytes& bytes)
+unsigned char* Unsigned(auto& bytes)
 {
     return reinterpret_cast<unsigned char*>(bytes.data());
 }

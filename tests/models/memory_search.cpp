@@ -1,15 +1,13 @@
 // Searching memory, and formatting by printf's rules and by place markers.
 
 #include "Model.h"
+#include "Texts.h"
 
 #include <BaseUtil.h>
 #include <CQSString.h>
 #include <CQWString.h>
 
-#include <QString>
-
 #include <algorithm>
-#include <cstring>
 #include <variant>
 #include <vector>
 
@@ -41,130 +39,66 @@ void CheckSearch(const std::string& text, const std::string& pattern)
     check(CBaseUtil::SearchMemNoCase, Lower, pattern.empty());
 }
 
-template <class String>
-auto Content(const String& s)
-{
-    return std::basic_string(s.GetDataPtr(), static_cast<std::size_t>(s.GetLength()));
-}
-
-QString Utf16(const std::wstring& text)
-{
-    QString result;
-    for (const wchar_t c : text) {
-        const auto unit = static_cast<char32_t>(c);
-        const char32_t known = unit > 0x10FFFF ? 0xFFFD : unit;
-        result += known > 0xFFFF ? QString::fromUcs4(&known, 1) : QString(QChar(char16_t(known)));
-    }
-    return result;
-}
-
 QString Slashed(QString text)
 {
     return text.replace('\\', '/');
 }
 
-// A format is TEXT CONVERSION TEXT CONVERSION TEXT, and perhaps what looks like a conversion and is
-// none. The narrow one means what the platform makes of it. The wide one differs in this: a U+FEFF
-// that begins a text is kept. Lone surrogates become '?' on the way through 8-bit text, which a
-// character in front protects from losing a U+FEFF.
+// What a wide format's text comes out as. Lone surrogates become '?' on the way through 8-bit text,
+// which a character in front protects from losing a U+FEFF.
 QString WideLiteral(const std::wstring& text)
 {
     return QString::fromUtf8(("x" + Utf16(text)).toUtf8()).mid(1).replace("%%", "%");
 }
 
-// A width with which some versions of the platform end; any beyond 2^31 - 2 counts as 0.
-const char* const TooLarge = "99999999999999999999";
-
-QByteArray Safe(QByteArray format)
+// A conversion is drawn in a form that every version of the platform knows. The other form of it
+// means the same to the library: a point alone is a precision of 0, and any width beyond 2^31 - 2
+// counts as 0.
+std::string OtherForm(const std::string& conversion)
 {
-    return format.replace(TooLarge, "2147483647");
+    return QByteArray::fromStdString(conversion)
+        .replace(".0", ".")
+        .replace("2147483647", "99999999999999999999")
+        .toStdString();
 }
 
-// A precision of a point alone is 0, which Qt 5 does not know.
-std::string WithPrecision(const std::string& conversion)
-{
-    const std::size_t point = conversion.find('.');
-    if (point == conversion.npos ||
-        conversion.find_first_of("0123456789*", point) != conversion.npos) {
-        return conversion;
-    }
-    std::string known(conversion, 0, point + 1);
-    known.push_back('0');
-    known.append(conversion, point + 1);
-    return known;
-}
-
-std::wstring Widened(const std::string& ascii)
-{
-    return {ascii.begin(), ascii.end()};
-}
-
+// A format of texts, a conversion, two plain ones, and perhaps what looks like one and is none.
 struct Format {
-    std::wstring texts[3], behind;
-    std::string secondConversion, broken;
+    std::wstring before, between, behind, end;
+    std::string conversion, broken;
+    bool isOtherForm;
 };
 
-// `first` are the arguments of the first conversion: numbers for its stars and its value.
-template <class Second, class... First>
-void CheckFormat(const Format& format, const std::string& conversion, Second second, First... first)
+constexpr char PlainOnes[] = "%4d%s";
+
+// The arguments are numbers for the stars of the conversion, and its value. The narrow format means
+// what the platform makes of it; a wide one also keeps a U+FEFF that begins a text.
+void CheckFormat(const Format& format, auto... arguments)
 {
-    const auto& [texts, behind, secondConversion, broken] = format;
-    const std::wstring rest =
-        texts[1] + Widened(secondConversion) + texts[2] + Widened(broken) + behind;
-    const std::wstring wideFormat = texts[0] + Widened(conversion) + rest;
-    const QByteArray narrowFormat = Utf16(wideFormat).toUtf8();
-    const std::string sameConversion = WithPrecision(conversion);
-    const QByteArray known = Utf16(texts[0] + Widened(sameConversion) + rest).toUtf8();
-    const QString narrow = QString::asprintf(Safe(known), first..., second);
+    const auto& [before, between, behind, end, conversion, broken, isOtherForm] = format;
+    const char* const text = "-\xC3\xA9";
+    const auto whole = [&](const std::string& form) {
+        return before + Widened<wchar_t>(form) + between + Widened<wchar_t>(PlainOnes) + behind +
+               Widened<wchar_t>(broken) + end;
+    };
+    const std::wstring wideFormat = whole(isOtherForm ? OtherForm(conversion) : conversion);
+    const QByteArray known = Utf16(whole(conversion)).toUtf8();
+    const QString narrow = QString::asprintf(known, arguments..., -7, text);
     CQSString out;
-    CBaseUtil::FormatString(out, narrowFormat.constData(), first..., second);
+    CBaseUtil::FormatString(out, Utf16(wideFormat).toUtf8().constData(), arguments..., -7, text);
     MODEL_CHECK(Content(out) == Slashed(narrow).toStdString());
 
-    const QString wide =
-        WideLiteral(texts[0]) + QString::asprintf(Safe(sameConversion.c_str()), first...) +
-        WideLiteral(texts[1]) + QString::asprintf(Safe(secondConversion.c_str()), second) +
-        WideLiteral(texts[2]) + QString::fromStdString(broken) + WideLiteral(behind);
+    const QString wide = WideLiteral(before) + QString::asprintf(conversion.c_str(), arguments...) +
+                         WideLiteral(between) + QString::asprintf(PlainOnes, -7, text) +
+                         WideLiteral(behind) + QString::fromStdString(broken) + WideLiteral(end);
     CQWString wideOut;
-    CBaseUtil::FormatString(wideOut, wideFormat.c_str(), first..., second);
+    CBaseUtil::FormatString(wideOut, wideFormat.c_str(), arguments..., -7, text);
     MODEL_CHECK(Content(wideOut) == Slashed(wide).toStdWString());
-}
-
-using Value = std::variant<int, long, long long, double, std::string, QString>;
-
-// A value as it is passed to a function of printf's kind.
-template <class Number>
-Number Passed(Number number)
-{
-    return number;
-}
-
-const char* Passed(const std::string& text)
-{
-    return text.c_str();
-}
-
-const ushort* Passed(const QString& text)
-{
-    return text.utf16();
 }
 
 std::string Pick(ByteSource& source, std::initializer_list<const char*> choices)
 {
     return choices.begin()[source.Between(0, static_cast<int>(choices.size()) - 1)];
-}
-
-// Modifier and letter for a value of that kind.
-std::string Conversion(ByteSource& source, const Value& value)
-{
-    const std::string whole = Pick(source, {"d", "i", "u", "x", "X", "o"});
-    const auto kind = value.index();
-    return kind == 0   ? source.Between(0, 5) == 0 ? Pick(source, {"c", "lc"})
-                                                   : Pick(source, {"", "", "h", "hh"}) + whole
-           : kind == 1 ? "l" + whole
-           : kind == 2 ? "ll" + whole
-           : kind == 3 ? Pick(source, {"f", "e", "g", "G"})
-           : kind == 4 ? "s"
-                       : "ls";
 }
 
 std::wstring Text(ByteSource& source)
@@ -185,57 +119,60 @@ std::string Flags(ByteSource& source)
                 {"%", "%", "%", "%", "%0", "%-", "%+", "% ", "%#", "%0-", "%-0", "%+0", "%'"});
 }
 
-Value NextValue(ByteSource& source)
+// Values as they are passed to a function of printf's kind.
+using Value = std::variant<int, long, long long, double, const ushort*, const char*>;
+
+// Modifier and letter for a value of that kind.
+std::string TakeLetter(ByteSource& source, std::size_t kind)
 {
-    const auto number = static_cast<std::int32_t>(source.Word() << source.Between(0, 31));
-    const int kind = source.Between(0, 7);
-    return kind == 0   ? Value(number)
-           : kind == 1 ? Value(long{number})
-           : kind == 2 ? Value(static_cast<long long>(number) << source.Between(0, 20))
-           : kind == 3 ? Value(number / 64.0)
-           : kind == 4 ? Value(Utf16(Text(source)))
-                       : Value(source.Text(9, "abc\\\\%\xC3\xA9\xEF\xBB\xBF\xF0\x9F\x98\x80"));
+    const std::string whole = Pick(source, {"d", "i", "u", "x", "X", "o"});
+    return kind == 0   ? source.Between(0, 5) == 0 ? Pick(source, {"c", "lc"})
+                                                   : Pick(source, {"", "", "h", "hh"}) + whole
+           : kind == 1 ? "l" + whole
+           : kind == 2 ? "ll" + whole
+           : kind == 3 ? Pick(source, {"f", "e", "g", "G"})
+           : kind == 4 ? "ls"
+                       : "s";
 }
 
 void CheckFormats(ByteSource& source)
 {
-    Format format;
-    for (std::wstring& text : format.texts) {
-        text = Text(source);
-    }
-    const Value first = NextValue(source), second = NextValue(source);
-    const auto size = [&] {
-        return Pick(source, {"", "", "1", "12", "300", "2147483647", TooLarge});
-    };
-    format.secondConversion = Flags(source) + size() + Conversion(source, second);
+    Format format{Text(source), Text(source), Text(source), L"", "", "", source.Flag()};
+    const auto number = static_cast<std::int32_t>(source.Word() << source.Between(0, 31));
+    const QString wide = Utf16(Text(source));
+    const std::string narrow = source.Text(9, "abc\\%\xC3\xA9\xEF\xBB\xBF\xF0\x9F\x98\x80");
+    const Value values[] = {number,        long{number}, number * (1LL << source.Between(0, 20)),
+                            number / 64.0, wide.utf16(), narrow.c_str()};
+    const Value value = values[std::min(source.Between(0, 7), 5)];
+    const int stars = source.Between(0, 4), width = source.Between(-3, 40);
+    const std::string letter = TakeLetter(source, value.index()), flags = Flags(source);
+    const std::string size =
+        stars < 2 ? "*" : Pick(source, {"", "", "1", "12", "300", "2147483647"});
+    const std::string digits = Pick(source, {"", "", "", "", ".0", ".0", ".2", ".30"});
+    format.conversion = flags + size + (stars == 0 ? ".*" : digits) + letter;
     if (source.Between(0, 3) == 0) {
         format.broken = Flags(source) + Pick(source, {"", "1", "12"}) +
                         Pick(source, {"", ".", ".2"}) +
                         Pick(source, {"", "h", "ll", "L", "z", "t", "j"});
-        format.behind =
-            source.Flag() ? L"" : L"y\xFEFF\x4E2D!"[source.Between(0, 3)] + Text(source);
+        format.end = source.Flag() ? L"" : L"y\xFEFF\x4E2D!"[source.Between(0, 3)] + Text(source);
     }
-    const int stars = source.Between(0, 4);
-    const int width = source.Between(-3, 40), precision = source.Between(-3, 12);
-    const std::string letter = Conversion(source, first), flags = Flags(source), fixed = size();
-    const std::string digits = Pick(source, {"", "", "", "", ".", ".0", ".2", ".30"});
     std::visit(
-        [&](const auto& a, const auto& b) {
+        [&](const auto& a) {
             if (stars == 0) {
-                CheckFormat(format, flags + "*.*" + letter, Passed(b), width, precision, Passed(a));
+                CheckFormat(format, width, source.Between(-3, 12), a);
             } else if (stars == 1) {
-                CheckFormat(format, flags + "*" + digits + letter, Passed(b), width, Passed(a));
+                CheckFormat(format, width, a);
             } else {
-                CheckFormat(format, flags + fixed + digits + letter, Passed(b), Passed(a));
+                CheckFormat(format, a);
             }
         },
-        first, second);
+        value);
 }
 
 void CheckMarkers(ByteSource& source)
 {
     const std::string marks = source.Text(12, "%%%123L\\a ");
-    const std::wstring format = Text(source) + Widened(marks);
+    const std::wstring format = Text(source) + Widened<wchar_t>(marks);
     const std::wstring a = Text(source), b = Text(source);
     const wchar_t* const end = nullptr;
     CQWString out;

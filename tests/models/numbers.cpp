@@ -11,7 +11,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <string_view>
 
 namespace
 {
@@ -33,16 +32,12 @@ void CheckStrToUL(std::string text, int base)
 
 void CheckWtoh(const std::wstring& text)
 {
-    const bool isNegative = text[0] == '-';
-    const std::wstring_view digits(L"0123456789abcdefABCDEF");
-    std::uint32_t expected = 0;
-    for (auto i = isNegative ? 1u : 0u; digits.find(text[i]) != digits.npos; ++i) {
-        const auto digit = static_cast<std::uint32_t>(digits.find(text[i]));
-        expected = expected * 16 + (digit < 16 ? digit : digit - 6);
-    }
-    expected = isNegative ? 0 - expected : expected;
+    const std::size_t start = text[0] == '-' ? 1 : 0;
+    const std::size_t end = text.find_first_not_of(L"0123456789abcdefABCDEF", start);
+    const QString digits = QString::fromStdWString(text.substr(start, end - start));
+    const auto value = static_cast<std::uint32_t>(digits.toULongLong(nullptr, 16));
     MODEL_CHECK(CBaseUtil::wtoh((text + L"1").c_str(), static_cast<int>(text.size())) ==
-                static_cast<int>(expected));
+                static_cast<int>(start == 1 ? 0 - value : value));
 }
 
 // Park and Miller's generator by 64-bit arithmetic, which needs none of Schrage's factors.

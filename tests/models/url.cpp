@@ -1,12 +1,15 @@
 // URL and CGI text: the escapes, the query arguments, and the line breaks of UTF-16 text.
 
 #include "Model.h"
+#include "Texts.h"
 
 #include <BaseUtil.h>
 #include <CQSString.h>
 #include <CQWString.h>
 
 #include <memory>
+
+using namespace std::string_literals;
 
 namespace
 {
@@ -66,37 +69,17 @@ void CheckCgi(const QString& text)
     MODEL_CHECK(shared == text);
 }
 
-std::string Utf8OfUnit(wchar_t c)
-{
-    const auto unit = static_cast<std::uint32_t>(c);
-    const auto next = [=](int shift) { return static_cast<char>(0x80 | (unit >> shift & 0x3F)); };
-    return unit > 0xFFFF  ? ""
-           : unit > 0x7FF ? std::string{static_cast<char>(0xE0 | unit >> 12), next(6), next(0)}
-           : unit > 0x7F  ? std::string{static_cast<char>(0xC0 | unit >> 6), next(0)}
-                          : std::string{static_cast<char>(unit)};
-}
-
-void CheckEscape(std::wstring text)
+void CheckEscape(const std::wstring& text)
 {
     QByteArray expected;
-    for (const wchar_t unit : text) {
-        for (const char c : Utf8OfUnit(unit)) {
-            const bool isEscaped = (c >= 1 && c <= 32) || QByteArray("?><%#\"").contains(c);
-            expected += isEscaped ? '%' + QByteArray(1, c).toHex() : QByteArray(1, c);
-        }
+    for (const char c : BmpUtf8(text)) {
+        const bool isEscaped = (c >= 1 && c <= 32) || QByteArray("?><%#\"").contains(c);
+        expected += isEscaped ? '%' + QByteArray(1, c).toHex() : QByteArray(1, c);
     }
-    CQWString in;
-    in.AppendData(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));
+    auto in = Holding<CQWString>(text);
     const CQWString escaped = CBaseUtil::EscapeString(in, true);
     MODEL_CHECK(QString::fromWCharArray(escaped.GetDataPtr(), escaped.GetLength()) ==
                 QString::fromLatin1(expected.constData(), expected.size()));
-}
-
-CQSString Make(QByteArray text)
-{
-    CQSString s;
-    s.SetData(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));
-    return s;
 }
 
 // Places of the shifted text `w` are used on the URL as they are: so it is stated.
@@ -136,9 +119,10 @@ void CheckArgument(const QByteArray& url, const QByteArray& name)
 {
     for (const bool isSame : {false, true}) {
         const auto [found, expected] = FindArgument(url, name, isSame ? url : "old");
-        CQSString text = Make(url), other = Make("old"), &value = isSame ? text : other;
+        auto text = Holding<CQSString>(url), other = Holding<CQSString>("old"s);
+        CQSString& value = isSame ? text : other;
         MODEL_CHECK(CBaseUtil::GetArgumentFormURL(text, name.constData(), value) == found);
-        MODEL_CHECK(QByteArray(value.GetDataPtr(), value.GetLength()) == expected);
+        MODEL_CHECK(Content(value) == expected.toStdString());
     }
 }
 
