@@ -14,10 +14,8 @@
 namespace
 {
 
-const QString clientImageTypes[] = {
-    QStringLiteral("image/bmp"),  QStringLiteral("image/gif"), QStringLiteral("image/jp2"),
-    QStringLiteral("image/jpeg"), QStringLiteral("image/png"),
-};
+constexpr const char* clientImageTypes[] = {"image/bmp", "image/gif", "image/jp2", "image/jpeg",
+                                            "image/png"};
 
 bool IsImageType(const QString& mimeType)
 {
@@ -29,8 +27,8 @@ bool IsImageType(const QString& mimeType)
 void CQFileNameUtil::OrvoImageMIMETypesL(TImageMIMETypes& types)
 {
     auto list = std::make_unique<QStringList>();
-    for (const QString& type : clientImageTypes) {
-        list->append(type);
+    for (const char* const type : clientImageTypes) {
+        list->append(QLatin1String(type));
     }
     types.m_pArray = list.release();
 }

@@ -31,9 +31,10 @@ public:
     /// A number from `low` to `high`, both included; takes one byte for a span below 256.
     int Between(int low, int high)
     {
-        const auto span = static_cast<std::uint32_t>(high - low) + 1;
+        const auto first = static_cast<std::uint32_t>(low);
+        const std::uint32_t span = static_cast<std::uint32_t>(high) - first + 1;
         const std::uint32_t choice = span <= 256 && span != 0 ? Byte() : Word();
-        return low + static_cast<int>(span == 0 ? choice : choice % span);
+        return static_cast<int>(first + (span == 0 ? choice : choice % span));
     }
 
     bool Flag() { return (Byte() & 1) != 0; }

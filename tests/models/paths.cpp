@@ -24,14 +24,10 @@ CQWString Wide(const std::wstring& text)
     return s;
 }
 
-std::wstring Content(const CQWString& s)
+template <class String>
+auto Content(const String& s)
 {
-    return {s.GetDataPtr(), s.GetDataPtr() + s.GetLength()};
-}
-
-std::string Content(const CQSString& s)
-{
-    return {s.GetDataPtr(), s.GetDataPtr() + s.GetLength()};
+    return std::basic_string(s.GetDataPtr(), s.GetDataPtr() + s.GetLength());
 }
 
 template <class Text>
@@ -41,28 +37,24 @@ Text Slashed(Text text)
     return text;
 }
 
-// The name behind the last slash, from its first dot on or up to it.
-void CheckImageNames(const std::wstring& path)
+// The name behind the last slash, and what stands before and behind its first dot.
+void CheckParts(const std::wstring& path)
 {
     const std::wstring name = path.substr(path.rfind(L'/') + 1);
     const auto dot = std::min(name.find(L'.'), name.size());
-    CQWString shortName = Wide(L"old"), extension = Wide(path);
-    CQFileNameUtil::FindShortName(Wide(path), shortName);
-    MODEL_CHECK(Content(shortName) == name.substr(0, dot));
-    CQFileNameUtil::FindFileExtName(extension, extension);
-    MODEL_CHECK(Content(extension) == (dot < name.size() ? name.substr(dot + 1) : L""));
-}
-
-void CheckParts(const std::string& path)
-{
-    const std::string name = path.substr(path.rfind('/') + 1);
-    const auto dot = std::min(name.find('.'), name.size());
-    const std::unique_ptr<QString> ext(CQFileUtils::Ext(QString::fromStdString(path)));
-    const std::unique_ptr<QString> stem(
-        CQFileUtils::FileNameWithoutExt(QString::fromStdString(path)));
-    MODEL_CHECK(stem->toStdString() == name.substr(0, dot));
+    const std::wstring stem = name.substr(0, dot),
+                       rest = name.substr(std::min(dot + 1, name.size()));
+    const QString text = QString::fromStdWString(L"d/" + path); // U+FEFF never first
+    const std::unique_ptr<QString> ext(CQFileUtils::Ext(text));
     MODEL_CHECK((ext != nullptr) == (dot < name.size()));
-    MODEL_CHECK(!ext || ext->toStdString() == name.substr(dot + 1));
+    MODEL_CHECK(!ext || ext->toStdWString() == rest);
+    const std::unique_ptr<QString> withoutExt(CQFileUtils::FileNameWithoutExt(text));
+    MODEL_CHECK(withoutExt->toStdWString() == stem);
+    CQWString shortName = Wide(L"old"), extension = Wide(path);
+    CQFileNameUtil::FindShortName(extension, shortName);
+    MODEL_CHECK(Content(shortName) == stem);
+    CQFileNameUtil::FindFileExtName(extension, extension);
+    MODEL_CHECK(Content(extension) == rest);
 }
 
 // The name behind the last slash of either kind, without what stands behind the last dot of the
@@ -72,54 +64,35 @@ void CheckFileNames(const std::wstring& path)
     const std::wstring text = Slashed(path);
     const auto start = text.rfind(L'/') + 1;
     const auto dot = std::min(text.rfind(L'.'), text.size());
+    const bool hasName = start < text.size(), hasStem = hasName && dot >= start;
     const CQWString whole = Wide(path);
-    CQWString name = Wide(L"old"), stem = Wide(L"old");
-    MODEL_CHECK(CQFile::GetFileName(&whole, name) == (start < text.size()));
-    MODEL_CHECK(Content(name) == (text.empty() ? L"old" : text.substr(start)));
-    const bool hasStem = start < text.size() && dot >= start;
+    CQWString name = path.empty() ? Wide(L"old") : whole, stem = Wide(L"old");
+    MODEL_CHECK(CQFile::GetFileName(path.empty() ? &whole : &name, name) == hasName);
     MODEL_CHECK(CQFile::GetFileNameWithoutExtension(&whole, stem) == hasStem);
-    MODEL_CHECK(Content(stem) == (text.empty() ? L"old"
-                                  : hasStem    ? text.substr(start, dot - start)
-                                               : L""));
+    MODEL_CHECK(Content(name) == (text.empty() ? L"old" : text.substr(start)));
+    const std::wstring upToDot = hasStem ? text.substr(start, dot - start) : L"";
+    MODEL_CHECK(Content(stem) == (text.empty() ? L"old" : upToDot));
 }
 
-std::string Number(const char* format, int number)
+void CheckNextDir(const std::string& path, int from)
 {
-    char text[40];
-    std::snprintf(text, sizeof text, format, number);
-    return text;
+    const auto length = static_cast<int>(path.size());
+    const int start = std::max(from, 3); // behind a drive
+    const auto slash = Slashed(path).find('/', std::size_t(start));
+    const int next = slash == std::string::npos ? length - 1 : static_cast<int>(slash);
+    MODEL_CHECK(CQFileUtils::ParseNextDir(QString::fromStdString(path), from) ==
+                (start >= length ? length : next));
 }
 
-template <class... Parameters, class... Arguments>
-void CheckPath(const std::string& expected, void (*member)(CQSString&, Parameters...),
-               Arguments... arguments)
+CQSString Bytes(std::string text)
 {
-    CQSString out;
-    out.SetData("old");
-    member(out, arguments...);
-    MODEL_CHECK(Content(out) == Slashed(expected));
+    CQSString s;
+    s.SetData(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));
+    return s;
 }
 
-void CheckLayout(const std::string& root, std::uint32_t account, std::uint32_t number)
-{
-    const char* const dir = root.c_str();
-    const std::string user = Number("%u", static_cast<int>(account));
-    const std::string ten = Number("%010d", static_cast<int>(number));
-    const std::string picture = user + "_" + ten + ".png";
-    CheckPath(picture, CQPath::GetCFFileName, account, number);
-    CheckPath(root + user + "/" + picture, CQPath::GetCFFilePath, dir, account, number);
-    CheckPath(root + "/" + user + "/msg.info", CQPath::GetMsgFilePath, dir, account);
-    CheckPath(root + user + "/loginInfo.info", CQPath::GetLoginInfoFilePath, dir, account);
-    CheckPath(root + user + "/" + Number("%d", static_cast<int>(number)) + ".fmsg",
-              CQPath::GetFileTransInfoFilePath, dir, account, static_cast<int>(number));
-    CheckPath(root + "/groupmem" + user + ".info", CQPath::GetGroupMemberFilePath, dir, account);
-    CheckPath(root + "/buddylist.info", CQPath::GetBuddylistFilePath, dir);
-    CheckPath("/tmp/orvoappdownload/Audio/Orvo" + ten + ".amr", CQPath::GetRecordAudioName,
-              (1ULL << (account & 63)) * 0x100000000 + number);
-}
-
-// Enveloped by the cipher itself under the program's key; altered or cut now and then.
-void CheckStoredName(std::string name, std::uint32_t altered)
+// Enveloped by the cipher itself under the program's key, and by the counterpart.
+void CheckStoredName(const std::string& name, bool isAltered)
 {
     unsigned char key[] = {0x8E, 0xA7, 0xC8, 0x31, 0x22, 0xDB, 0x9C, 0xA5,
                            0x36, 0x8F, 0xF0, 0x99, 0xCA, 0xC3, 0xC4, 0x0D};
@@ -130,17 +103,17 @@ void CheckStoredName(std::string name, std::uint32_t altered)
                    static_cast<int>(name.size()), reinterpret_cast<unsigned char*>(envelope.data()),
                    length);
     envelope.resize(static_cast<std::size_t>(length));
-    if (altered % 4 == 0) {
-        envelope.back() = static_cast<char>(envelope.back() ^ 0x40);
-    } else if (altered % 4 == 1) {
-        envelope.erase(0, 8 + altered);
-    }
-    CQSString stored;
-    stored.SetData(reinterpret_cast<unsigned char*>(envelope.data()),
-                   static_cast<int>(envelope.size()));
-    const bool isRead = altered % 4 > 1 && name.size() <= 256;
+    envelope.back() ^= isAltered ? '@' : '\0';
+    CQSString stored = Bytes(envelope);
+    const bool isRead = !isAltered && name.size() <= 256;
     MODEL_CHECK(CQPath::DecodeFileName(stored) == isRead);
     MODEL_CHECK(Content(stored) == (isRead ? name : envelope));
+    CQSString made = Bytes(name);
+    const bool isMade = !name.empty() && name.size() <= 256;
+    MODEL_CHECK(CQPath::EncodeFileName(made) == isMade);
+    MODEL_CHECK((Content(made) != name) == isMade);
+    MODEL_CHECK(CQPath::DecodeFileName(made) == isMade);
+    MODEL_CHECK(Content(made) == name);
 }
 
 } // namespace
@@ -148,15 +121,13 @@ void CheckStoredName(std::string name, std::uint32_t altered)
 void DriveModel(ByteSource& source)
 {
     while (!source.IsEmpty()) {
-        std::string text = source.Text(12, "ab./\\:");
-        CheckParts(text);
+        const std::string text = source.Text(12, "ab./\\:");
         std::wstring wide(text.begin(), text.end());
         wide += source.Flag() ? L"\xFEFF\x1F600" : L"";
         CheckFileNames(wide);
-        std::replace(wide.begin(), wide.end(), L':', L'\\');
-        CheckImageNames(wide);
-        const std::string foreign[] = {"", "\xE4\xB8\xAD", "\xF0\x9F\x98\x80"};
-        CheckLayout(text + foreign[source.Between(0, 2)] + "x", source.Word(), source.Word());
-        CheckStoredName(std::string(source.Flag() ? 250 : 0, 'x') + source.Bytes(8), source.Byte());
+        CheckNextDir(text, source.Between(-1, 13));
+        std::replace(wide.begin(), wide.end(), L':', L'\\'); // which begins no name of a file
+        CheckParts(wide);
+        CheckStoredName(std::string(source.Flag() ? 250 : 0, 'x') + source.Bytes(8), source.Flag());
     }
 }

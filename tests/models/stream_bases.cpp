@@ -7,6 +7,7 @@
 #include <COStream.h>
 
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace
@@ -15,10 +16,8 @@ namespace
 constexpr int BufferSize = 20480;
 
 const std::string block = [] {
-    std::string bytes;
-    while (bytes.size() < 2 * BufferSize) {
-        bytes += static_cast<char>(1 + bytes.size() % 251);
-    }
+    std::string bytes(2 * BufferSize, '\0');
+    std::generate(bytes.begin(), bytes.end(), [i = 0]() mutable { return char(1 + i++ % 251); });
     return bytes;
 }();
 
@@ -49,13 +48,13 @@ struct Sink : OrvoStream::COStream {
     int claim = -1; // what PrepareBuffer() answers instead of the base
 };
 
-struct PlainSink {
-    void Flush()
+struct PlainSink : Sink {
+    void Flush() override
     {
         (calls += hasBuffer ? "Fs" : "FS") += waiting;
         waiting.clear();
     }
-    int Write(char const* data, int len, int claim)
+    int Write(char const* data, int len) override
     {
         if (len < 0 || (data == nullptr && len > 0)) {
             return 0;
@@ -74,63 +73,32 @@ struct PlainSink {
         waiting.append(data, data + len);
         return position;
     }
-    std::string calls, waiting;
+    std::string waiting;
     bool hasBuffer = false;
 };
 
-void DriveOutput(ByteSource& source)
-{
-    Sink out;
-    PlainSink plain;
-    for (int i = 0; i < 100 && !source.IsEmpty(); ++i) {
-        out.claim = std::max(source.Between(-9, 1), -1);
-        const int len = Length(source);
-        const char* const data = source.Byte() < 250 ? block.data() + i : nullptr;
-        if (source.Byte() < 25) {
-            out.Flush();
-            plain.Flush();
-        } else {
-            MODEL_CHECK(out.Write(data, len) == plain.Write(data, len, out.claim));
-        }
-        MODEL_CHECK(out.calls == plain.calls);
-        out.calls.clear();
-        plain.calls.clear();
-    }
-}
-
-struct Delivery {
-    int asked, claimed;
-    std::string bytes;
-};
-
 struct Source : OrvoStream::CIStream {
-    explicit Source(ByteSource& script) : m_script(script) {}
+    explicit Source(const ByteSource& source) : script(source) {}
     int Available() override { return 0; }
     void Close() override {}
     int LoadBuffer(char* dest, int len) override
     {
-        const int count = std::clamp(m_script.Flag() ? len : Length(m_script), 0, len);
-        const int claimed = m_script.Byte() < 230 ? count : Length(m_script);
-        loads.push_back({len, claimed, block.substr(m_script.Byte(), std::size_t(count))});
-        loads.back().bytes.copy(dest, std::size_t(count));
-        return claimed;
+        asked.push_back(len);
+        const int count = std::clamp(script.Flag() ? len : Length(script), 0, len);
+        block.copy(dest, std::size_t(count), script.Byte());
+        return script.Byte() < 230 ? count : Length(script);
     }
-    std::vector<Delivery> loads;
-
-private:
-    ByteSource& m_script;
+    ByteSource script;
+    std::vector<int> asked;
 };
 
-struct PlainSource {
-    int LoadAt(int start, int asked)
+struct PlainSource : Source {
+    using Source::Source;
+    int LoadAt(int start, int len)
     {
-        MODEL_CHECK(next < loads.size());
-        const Delivery& load = loads[next++];
-        MODEL_CHECK(load.asked == asked);
-        load.bytes.copy(buffer.data() + start, load.bytes.size());
-        return std::clamp(load.claimed, 0, asked);
+        return std::clamp(LoadBuffer(buffer.data() + start, len), 0, len);
     }
-    int Read(char* dest, int len)
+    int Read(char* dest, int len) override
     {
         if (len < 0 || (dest == nullptr && len > 0)) {
             return 0;
@@ -153,32 +121,45 @@ struct PlainSource {
         position += len;
         return len;
     }
-    const std::vector<Delivery>& loads;
-    std::size_t next = 0;
-    std::string buffer{};
+    std::string buffer;
     int valid = 0;
     qint64 position = 0; // never set back, not even by a refill
 };
 
-void DriveInput(ByteSource& source)
+void Write(ByteSource& source, Sink& out, PlainSink& plain)
 {
-    Source in(source);
-    PlainSource plain{in.loads};
-    std::string bytes(BufferSize, '#');
-    std::string expected = bytes;
-    for (int i = 0; i < 100 && !source.IsEmpty(); ++i) {
-        const int len = Length(source);
-        const bool isNull = source.Byte() > 250;
-        MODEL_CHECK(in.Read(isNull ? nullptr : bytes.data(), len) ==
-                    plain.Read(isNull ? nullptr : expected.data(), len));
-        MODEL_CHECK(plain.next == in.loads.size());
-        MODEL_CHECK(bytes == expected);
+    out.claim = plain.claim = std::max(source.Between(-9, 1), -1);
+    const int len = Length(source);
+    const char* const data = source.Byte() < 250 ? block.data() + source.Byte() : nullptr;
+    if (source.Byte() < 25) {
+        out.Flush(), plain.Flush();
+    } else {
+        MODEL_CHECK(out.Write(data, len) == plain.Write(data, len));
     }
+    MODEL_CHECK(std::exchange(out.calls, {}) == std::exchange(plain.calls, {}));
+}
+
+void Read(ByteSource& source, Source& in, PlainSource& plain)
+{
+    std::string bytes(BufferSize, '#'), expected = bytes;
+    const int len = Length(source);
+    const bool isNull = source.Byte() > 250;
+    MODEL_CHECK(in.Read(isNull ? nullptr : bytes.data(), len) ==
+                plain.Read(isNull ? nullptr : expected.data(), len));
+    MODEL_CHECK(in.asked == plain.asked);
+    MODEL_CHECK(bytes == expected);
 }
 
 } // namespace
 
 void DriveModel(ByteSource& source)
 {
-    source.Flag() ? DriveOutput(source) : DriveInput(source);
+    Sink out;
+    PlainSink plainOut;
+    Source in(source);
+    PlainSource plainIn(source);
+    const bool writes = source.Flag();
+    for (int i = 0; i < 100 && !source.IsEmpty(); ++i) {
+        writes ? Write(source, out, plainOut) : Read(source, in, plainIn);
+    }
 }
