@@ -14,8 +14,9 @@
 #include <zlib.h>
 
 #include <array>
-#include <iterator>
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 /// Tiny pictures whose content is foreign while their structure is kept: chunks of a PNG with
@@ -37,8 +38,13 @@ struct Recorder : CImgDecodeNotify {
     void OnImageDecoded(int status, int id, int hasAlpha) override
     {
         told.push_back({status, id, hasAlpha});
+        std::exchange(onDecoded, [] {})();
     }
+    /// Returns what was recorded since the last call and starts over.
+    Told Take() { return std::exchange(told, {}); }
+
     Told told;
+    std::function<void()> onDecoded = [] {}; // at the next one
 };
 
 template <class Number>
@@ -48,15 +54,20 @@ QByteArray Packed(Number number, bool big = true)
     return QByteArray(reinterpret_cast<const char*>(&packed), sizeof packed);
 }
 
-inline QByteArray Encoded(const char* format, QImage::Format pixels, bool progressive = false)
+inline QByteArray Encoded(const char* format, const QImage& image, bool progressive = false)
 {
-    QImage image(9, 5, pixels);
-    image.fill(QColor(200, 100, 20, 99));
     QBuffer buffer;
     QImageWriter writer(&buffer, format);
     writer.setProgressiveScanWrite(progressive);
     writer.write(image);
     return buffer.data();
+}
+
+inline QImage Plain(QImage::Format format, int width = 9, int height = 5)
+{
+    QImage image(width, height, format);
+    image.fill(QColor(200, 100, 20, 99));
+    return image;
 }
 
 /// Drops, doubles, swaps or changes parts, or leaves them.
@@ -81,7 +92,7 @@ inline Parts Shuffled(ByteSource& source, Parts parts)
 /// The chunks of a tiny PNG, each without length and checksum.
 inline Parts PngChunks(QImage::Format format)
 {
-    const QByteArray whole = Encoded("png", format);
+    const QByteArray whole = Encoded("png", Plain(format));
     Parts chunks;
     for (int at = 8; at < int(whole.size()); at += 8 + int(chunks.back().size())) {
         chunks.push_back(whole.mid(at + 4, 4 + qFromBigEndian<int>(whole.constData() + at)));
@@ -94,15 +105,13 @@ inline Picture Png(ByteSource& source)
     static const Parts variants[] = {
         PngChunks(QImage::Format_ARGB32), PngChunks(QImage::Format_RGB32),
         PngChunks(QImage::Format_Grayscale8), PngChunks(QImage::Format_RGBA64)};
-    // 4 MiB of text, which takes 4 KB, or 1 MiB that is not compressed.
-    static const QByteArray text = qCompress(QByteArray(4 << 20, 'a')).mid(4);
-    static const QByteArray texts[] = {
-        QByteArray("zTXtk\0\0", 7) + text, QByteArray("iTXtk\0\1\0\0\0", 10) + text,
-        QByteArray("iCCPk\0\0", 7) + text, QByteArray("tEXtk\0", 6) + QByteArray(1 << 20, 'a')};
+    // 4 MiB of text, which takes 4 KB.
+    static const QByteArray text =
+        QByteArray("zTXtk\0\0", 7) + qCompress(QByteArray(4 << 20, 'a')).mid(4);
     Parts chunks = Shuffled(source, variants[source.Between(0, 3)]);
-    const int count = source.Byte() == 255 ? source.Between(1, 18) : 0;
+    const int count = source.Byte() == 255 ? source.Between(1, 6) : 0;
     chunks.insert(chunks.begin() + (chunks.empty() ? 0 : source.Between(0, int(chunks.size()))),
-                  size_t(count), texts[source.Between(0, 3)]);
+                  size_t(count), text);
     Picture picture{"\x89PNG\r\n\x1a\n"};
     bool ended = false;
     for (const QByteArray& chunk : chunks) {
@@ -110,61 +119,43 @@ inline Picture Png(ByteSource& source)
         picture.bytes += Packed(quint32(chunk.size()) - 4) + chunk +
                          Packed(quint32(crc32(0, data, uInt(chunk.size()))));
         ended = ended || chunk.startsWith("IEND");
-        if (!ended && std::find(std::begin(texts), std::end(texts), chunk) != std::end(texts)) {
-            picture.beside += 8 * (chunk.size() - 4 + (chunk == texts[3] ? 0 : 4 << 20));
-        }
+        picture.beside += !ended && chunk == text ? 8 * (chunk.size() - 4 + (4 << 20)) : 0;
     }
     return picture;
 }
 
-/// An icon whose directory announces any size, with a PNG or a bitmap inside.
+/// An icon whose directory announces any size for the PNG inside.
 inline Picture Icon(ByteSource& source)
 {
     const char width = char(source.Between(0, 63)), height = char(source.Between(0, 63));
-    Picture inside;
-    qint64 pixels = 0;
-    auto size = quint32(-1);
-    if (source.Flag()) {
-        inside = Png(source);
-        const QByteArray header = inside.bytes.mid(16, 8).leftJustified(8, '\0');
-        pixels = qint64{qFromBigEndian<quint32>(header.constData())} *
-                 qFromBigEndian<quint32>(header.constData() + 4);
-        size = source.Between(0, 7) == 0 ? source.Word() : quint32(inside.bytes.size());
-        inside.beside += size;
-    } else {
-        const auto side = [&] { return source.Between(0, 3) == 3 ? 1 << 29 : 9; };
-        const int bitmapWidth = side(), bitmapHeight = side();
-        inside.bytes = Packed(40, false) + Packed(bitmapWidth, false) +
-                       Packed(2 * bitmapHeight, false) + Packed(0x200001, false) +
-                       QByteArray(20000, '\x55');
-        pixels = qint64{width != 0 ? width : bitmapWidth} * (height != 0 ? height : bitmapHeight);
-    }
-    inside.bytes = QByteArray("\0\0\1\0\1\0", 6) + width + height +
-                   QByteArray("\0\0\1\0\x20\0", 6) + Packed(size, false) + Packed(22, false) +
-                   inside.bytes;
-    inside.beside += pixels > limit ? limit : pixels * 4;
-    return inside;
+    Picture picture = Png(source);
+    const QByteArray header = picture.bytes.mid(16, 8).leftJustified(8, '\0');
+    const qint64 pixels = qint64{qFromBigEndian<quint32>(header.constData())} *
+                          qFromBigEndian<quint32>(header.constData() + 4);
+    picture.beside += picture.bytes.size() + (pixels > limit ? limit : pixels * 4);
+    picture.bytes = QByteArray("\0\0\1\0\1\0", 6) + width + height +
+                    QByteArray("\0\0\1\0\x20\0", 6) + Packed(int(picture.bytes.size()), false) +
+                    Packed(22, false) + picture.bytes;
+    return picture;
 }
 
-/// The segments of a tiny JPEG, each with its marker; what follows the header is one.
-inline Parts JpegSegments(bool progressive)
+/// The parts of a tiny JPEG behind its first mark, each from one mark to the next.
+inline Parts JpegParts(bool progressive)
 {
-    const QByteArray whole = Encoded("jpg", QImage::Format_RGB32, progressive);
-    Parts segments;
-    int at = 2;
-    for (; whole[at + 1] != '\xDA'; at += int(segments.back().size())) {
-        segments.push_back(whole.mid(at, 2 + qFromBigEndian<quint16>(whole.constData() + at + 2)));
+    Parts parts;
+    const QByteArray whole = Encoded("jpg", Plain(QImage::Format_RGB32), progressive);
+    for (const QByteArray& part : whole.mid(3).split('\xFF')) {
+        parts.push_back('\xFF' + part);
     }
-    segments.push_back(whole.mid(at));
-    return segments;
+    return parts;
 }
 
 inline Picture Jpeg(ByteSource& source)
 {
-    static const Parts variants[] = {JpegSegments(false), JpegSegments(true)};
+    static const Parts variants[] = {JpegParts(false), JpegParts(true)};
     Picture picture{"\xFF\xD8"};
-    for (const QByteArray& segment : Shuffled(source, variants[source.Between(0, 1)])) {
-        picture.bytes += segment;
+    for (const QByteArray& part : Shuffled(source, variants[source.Between(0, 1)])) {
+        picture.bytes += part;
     }
     return picture;
 }
