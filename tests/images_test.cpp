@@ -19,21 +19,9 @@ using namespace Pictures;
 using Formats = std::pair<int, int>;
 using ImagePtr = std::unique_ptr<QImage>;
 
-QByteArray Png(QImage::Format format, int width = 8, int height = 6)
-{
-    return Encoded("PNG", Plain(format, width, height));
-}
-
 QByteArray operator""_b(const char* bytes, std::size_t size)
 {
     return {bytes, int(size)};
-}
-
-// An icon or a cursor over any content.
-QByteArray Icon(const QByteArray& content, const QByteArray& start = "\0\0\1\0\1\0\x10\x10"_b)
-{
-    return start + "\0\0\1\0\x20\0"_b + Packed(int(content.size()), false) + Packed(22, false) +
-           content;
 }
 
 struct Decoders : testing::Test {
@@ -129,7 +117,7 @@ TEST(PictureDemand, IsWhatTheHeadersTell)
     using Case = std::pair<QByteArray, Demand>;
     const QByteArray deflated = qCompress(QByteArray(1000, 'a')).mid(4);
     const auto png = [](const QByteArray& chunk, int inflated) {
-        return Case("\x89PNG\r\n\x1a\n" + Packed(int(chunk.size()) - 4) + chunk +
+        return Case("\x89PNG\r\n\x1a\n\0\0\0"_b + char(chunk.size() - 4) + chunk +
                         "sum.\0\0\0\0IENDsum.\0\0\0\1tEXtk"_b,
                     {0, 0, 32, 8 * (chunk.size() - 4 + inflated)});
     };
@@ -153,7 +141,7 @@ TEST(PictureDemand, IsWhatTheHeadersTell)
         png("iCCPk\0\0"_b + deflated, 1000),
         png("sPLTabc", 0),
         png("eXIfab", 0),
-        icon("\0\0\2\0\1\0\0\0"_b, Packed(40, false) + Packed(70000, false) + Packed(-140, false),
+        icon("\0\0\2\0\1\0\0\0"_b, Little(40) + Little(70000) + Little(-140),
              {70000, 70, 32, 0, 6}),
         icon("\0\0\1\0\1\0\3\4"_b, QByteArray(40, 'x'), {3, 4, 32, 0, 6}),
         icon("\0\0\1\0\1\0\3\4"_b, "\x89PNG\r\n\x1a\n\0\0\0\5IHDR\0\1\0\0\0\0\0\7\x10"_b,
@@ -220,7 +208,7 @@ TEST_F(Decoders, TheirOwnFileNameMayBeAnArgumentAndTheNotifierMayDoAnything)
     CQWString& ownName = fitting->GetFileName() = opaquePath;
     ownName.Replace(L"/", L"\\");
     EXPECT_EQ(1, fitting->DecodeImgFile(&ownName, 4, false));
-    EXPECT_EQ(QSize(8, 6), image->size());
+    EXPECT_EQ(QSize(9, 5), image->size());
 }
 
 // The raw pixels of a reduced copy are read as a file, and those of this blue begin as a JPEG does.

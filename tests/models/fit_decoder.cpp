@@ -51,7 +51,7 @@ bool Resize(QImage& image, QSize screen)
     }
     const QImage copy = fit.isValid() ? image.scaled(fit) : QImage();
     const QImage loaded = Pictures::Decoded(
-        {QByteArray(reinterpret_cast<const char*>(copy.constBits()), int(copy.sizeInBytes()))});
+        QByteArray(reinterpret_cast<const char*>(copy.constBits()), int(copy.sizeInBytes())));
     image = loaded.isNull() ? image : loaded;
     return true;
 }
@@ -67,9 +67,9 @@ void Decode(ByteSource& source, CQBImageDecode& decoder, Pictures::Recorder& rec
     static const QTemporaryDir place;
     const QString names[] = {place.filePath("a"), place.filePath("a.pNg"), place.filePath("apng")};
     const QString name = names[source.Between(0, 2)];
-    const Pictures::Picture picture = Pictures::Any(source);
-    Pictures::Put(name, picture.bytes);
-    QImage image = Pictures::Decoded(picture);
+    const QByteArray bytes = Pictures::Any(source);
+    Pictures::Put(name, bytes);
+    QImage image = Pictures::Decoded(bytes);
     const bool isMasked = name.endsWith(".pNg") || image.hasAlphaChannel();
     const QImage mask = image.convertToFormat(QImage::Format_Indexed8);
 
@@ -119,7 +119,7 @@ void Fit(ByteSource& source, CQBImageDecode& decoder, Reference& reference)
     MODEL_CHECK(fit == expected);
     // The start of a grey map, or of any other picture, may stand in the pixels of a reduced copy:
     // in every second column of the middle row, with nothing around it.
-    const QByteArray pixels = source.Flag() ? Pictures::Any(source).bytes : "P5 2 1 255 ab";
+    const QByteArray pixels = source.Flag() ? Pictures::Any(source) : "P5 2 1 255 ab";
     const int length = std::clamp(int(pixels.size()), 1, 2000);
     QImage image(2 * length, 3, QImage::Format_Grayscale8);
     image.fill(0);

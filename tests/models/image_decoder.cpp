@@ -61,14 +61,13 @@ void Decode(ByteSource& source, CQImageDecode& decoder, Pictures::Recorder& reco
             Reference& reference, int mode)
 {
     static Names names;
-    Pictures::Picture picture = Pictures::Any(source);
-    const QImage image = Pictures::Decoded(picture);
+    QByteArray bytes = Pictures::Any(source);
+    const QImage image = Pictures::Decoded(bytes);
     const int operation = source.Between(0, 5);
     const int id = source.Byte();
     const bool isFile = operation < 4, isConverted = operation == 0 || operation == 2;
     CQSString data, format;
-    data.AppendData(reinterpret_cast<unsigned char*>(picture.bytes.data()),
-                    int(picture.bytes.size()));
+    data.AppendData(reinterpret_cast<unsigned char*>(bytes.data()), int(bytes.size()));
     // One argument may be missing, or the path be the placeholder for no picture.
     const int missing = id / 16;
     CQWString* const absent = missing % 2 == 0 ? nullptr : &names.none;
@@ -76,7 +75,7 @@ void Decode(ByteSource& source, CQImageDecode& decoder, Pictures::Recorder& reco
     CQWString* const dir = missing == 12 || missing == 13 ? absent : &names.dir;
     CQWString* const name = missing == 14 || missing == 15 ? absent : &names.name;
     format.AppendData(missing < 12 ? "x" : "");
-    Pictures::Put(names.place.filePath("NoPic.BMP"), picture.bytes);
+    Pictures::Put(names.place.filePath("NoPic.BMP"), bytes);
     const int result = operation == 0   ? decoder.DecodeImgFileL(path, id)
                        : operation == 1 ? decoder.DecodeImgFileL(dir, name, id)
                        : operation == 2 ? decoder.DecodePngFileL(path, id)
