@@ -83,7 +83,7 @@ TEST_F(Decoders, PixelsCountWithTheDepthOfTheDisplayModeAnd32BitsAtLeast)
 {
     const std::tuple<int, int, int> cases[] = {{4000, enFormat_Mono, enFormat_Mono},
                                                {4000, QImage::Format_RGBA64, 0},
-                                               {4000, 1000, 0}, // no format
+                                               {4000, INT_MAX, 0}, // no format
                                                {6000, enFormat_Mono, 0}};
     for (const auto& [height, mode, format] : cases) {
         CQWString path = Add("large", Png(QImage::Format_Mono, 6000, height));
