@@ -24,6 +24,8 @@ QByteArray operator""_b(const char* bytes, std::size_t size)
     return {bytes, int(size)};
 }
 
+const char xpm[] = "/* XPM */ static char* a[] = {\"1 1 1 1\", \"a c red\", \"a\"};";
+
 struct Decoders : testing::Test {
     // Takes both images of the plain decoder, behind an operation that gave the result, and
     // returns their formats; -1 for none.
@@ -94,14 +96,16 @@ TEST_F(Decoders, PixelsCountWithTheDepthOfTheDisplayModeAnd32BitsAtLeast)
 
 TEST_F(Decoders, WhatIsNoPixelOfThePictureCountsToo)
 {
-    QImage texts = Plain(QImage::Format_RGB32);
-    for (const char* const key : {"a", "b", "c", "d"}) {
-        texts.setText(key, QString(4 << 20, 'a'));
-    }
-    const QByteArray xpm = "/* XPM */ static char* a[] = {\"1 1 1 1\", \"a c red\", \"a\"};";
+    const auto withTexts = [](QImage image, int count) {
+        for (; count > 0; --count) {
+            image.setText(QString::number(count), QString(4 << 20, 'a'));
+        }
+        return Encoded("PNG", image);
+    };
     const std::pair<QByteArray, int> cases[] = {
         {Icon(Png(QImage::Format_RGB32)), enFormat_RGB32},
-        {Icon(Encoded("PNG", texts)), 0},
+        {Icon(withTexts(Plain(QImage::Format_RGB32), 4)), 0},
+        {withTexts(Plain(QImage::Format_Mono, 6000, 4000), 2), 0},
         {Icon(Png(QImage::Format_Mono, 12000, 12000)), 0},
         {xpm + QByteArray(1 << 20, ' '), enFormat_Indexed8},
         {xpm + QByteArray(49 << 20, ' '), 0}}; // eight times so much may be needed
@@ -222,6 +226,15 @@ TEST_F(Decoders, AnImageThatIsResizedIsReadAsAFile)
     CQWString path = Add("blue.bmp", Encoded("BMP", blue));
     EXPECT_EQ(1, fitting->DecodeImgFile(&path, 1, true));
     EXPECT_EQ(blue.size(), ImagePtr(fitting->GetImage())->size());
+    // What the image and its copy take counts: with eight times the copy it passes 3 x 128 MB.
+    QImage large(12000, 10400, QImage::Format_Grayscale8);
+    large.fill(' ');
+    for (int i = 0; xpm[i] != '\0'; ++i) {
+        large.scanLine(0)[2 * i] = uchar(xpm[i]);
+    }
+    fitting->SetScreenSize(QSize(6000, 5200));
+    EXPECT_EQ(1, fitting->ResizeImageToFitScreen(&large));
+    EXPECT_EQ(12000, large.width());
 }
 
 TEST(ImageTypes, TheClientsTypesAreListedInOrderAndThePlatformHasNone)

@@ -117,6 +117,7 @@ void Play(std::string_view scenario, Clock::duration moment)
         // Forked while the worker posts, they end as the scenario's process itself does.
         const auto end = [&](int) {
             application.reset();
+            AddReady([] {}); // which takes a lock that the worker may have held
             owner.latestEnd = Clock::now() + 1900ms;
         };
         if (!ChildrenEndWell(2, end)) {
@@ -131,7 +132,7 @@ void Play(std::string_view scenario, Clock::duration moment)
         };
         AddReady(work, 1500);
         sleep_for(moment);
-        std::exit(0);
+        std::thread([] { std::exit(0); }).join();
     } else if (scenario == "RunUsesLocale") {
         Begin([] {
             for (const auto end = Clock::now() + 500ms; Clock::now() < end;) {
@@ -142,6 +143,7 @@ void Play(std::string_view scenario, Clock::duration moment)
     } else if (scenario == "RunNeverEnds") {
         // A run that has begun may still be there when its object goes.
         Begin([] { sleep_for(1h); });
+        owner.latestEnd = Clock::now() + 3500ms; // after a single wait
     } else if (scenario == "RunCallsExit") {
         AddReady([] {
             owner.latestEnd = Clock::now() + 1900ms;
