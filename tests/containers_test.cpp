@@ -59,12 +59,12 @@ TEST(LimitedCounter, ReportsItsMaximumButCountsPastIt)
     counter.SetMaxCount(5, 9);
     count("-++-"); // 9 was cut to 5
     counter.SetMaxCount(2, 1);
-    count("+0-+"); // the count given counts, and down from 0 stays 0
+    count("+-0-++"); // the count given counts, and down from 0 stays 0
     counter.SetMaxCount(INT_MAX, INT_MAX);
     count("+"); // the last number stays
     EXPECT_EQ("1"
               "0111"
-              "1000"
+              "100001"
               "1",
               isUp);
     EXPECT_EQ(INT_MAX, counter.GetMaxCount());

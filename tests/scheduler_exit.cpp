@@ -30,10 +30,18 @@ int argCount = 1;
 char argName[] = "scheduler_exit";
 char* args[] = {argName, nullptr};
 
+std::atomic<bool> running{false};
+std::atomic<int> runs{0};
+
 struct Active : CQActive {
     explicit Active(void (*work)()) : CQActive(0), m_work(work) {}
     void DoCancel() override {}
-    void RunL(int) override;
+    void RunL(int) override
+    {
+        void (*const work)() = m_work;
+        ++runs; // from here on the object may be gone, if the run outlives it
+        work();
+    }
     void (*m_work)();
 };
 
@@ -54,70 +62,44 @@ struct StaticOwner {
             _exit(5);
         }
     }
-    std::atomic<bool> running{false};
-    std::atomic<int> runs{0};
     Clock::time_point latestEnd = Clock::time_point::max();
     std::vector<std::unique_ptr<Active>> actives;
 } owner;
 
-void Active::RunL(int)
+void AddReady(void (*work)(), int count = 1)
 {
-    void (*const work)() = m_work;
-    ++owner.runs; // from here on the object may be gone, if the run outlives it
-    work();
+    for (; count > 0; --count) {
+        owner.actives.push_back(std::make_unique<Active>(work));
+        CQActiveScheduler::instance()->Add(owner.actives.back().get());
+        owner.actives.back()->Complete(0);
+    }
 }
 
-void AddReady(void (*work)())
+/// The same, and lets the first run begin.
+void Begin(void (*work)(), int count = 1)
 {
-    owner.actives.push_back(std::make_unique<Active>(work));
-    CQActiveScheduler::instance()->Add(owner.actives.back().get());
-    owner.actives.back()->Complete(0);
-}
-
-void AwaitRun()
-{
-    while (owner.runs == 0) {
+    AddReady(work, count);
+    while (runs == 0) {
         sleep_for(1ms);
     }
 }
 
-/// Gives the worker objects to run for 3 seconds, which is longer than exit() waits.
-void KeepBusy()
+/// Whether children that each do the work, and then exit, all end with 0.
+template <class Work>
+bool ChildrenEndWell(int count, Work work)
 {
-    for (int i = 0; i < 1500; ++i) {
-        AddReady([] {
-            owner.running = true;
-            sleep_for(2ms);
-            owner.running = false;
-        });
-    }
-}
-
-/// Gives the worker notices to post, one right after the other, and lets it begin.
-void Flood()
-{
-    for (int i = 0; i < 20000; ++i) {
-        AddReady([] {});
-    }
-    AwaitRun();
-}
-
-/// A child forked while the worker posts, which ends as the scenario's process itself does.
-void PlayForkedChild(std::unique_ptr<QGuiApplication> application)
-{
-    for (int i = 0; i < 2; ++i) {
+    for (int i = 0; i < count; ++i) {
         if (fork() == 0) {
             alarm(60);
-            application.reset();
-            owner.latestEnd = Clock::now() + 1900ms;
+            work(i);
             std::exit(0);
         }
     }
+    bool endWell = true;
     for (int status = 0; wait(&status) > 0;) {
-        if (status != 0) {
-            _exit(4);
-        }
+        endWell = endWell && status == 0;
     }
+    return endWell;
 }
 
 void Play(std::string_view scenario, Clock::duration moment)
@@ -125,29 +107,43 @@ void Play(std::string_view scenario, Clock::duration moment)
     CQActiveScheduler::instance(); // before the application makes any of Qt's statics
     auto application = std::make_unique<QGuiApplication>(argCount, args);
     if (scenario == "ApplicationIsDestroyed") {
-        Flood();
+        Begin([] {}, 20000); // notices, one right after the other
         sleep_for(moment / 10);
         application.reset();
         sleep_for(moment);
     } else if (scenario == "ForkedChild") {
-        Flood();
+        Begin([] {}, 20000);
         sleep_for(moment / 20);
-        PlayForkedChild(std::move(application));
+        // Forked while the worker posts, they end as the scenario's process itself does.
+        const auto end = [&](int) {
+            application.reset();
+            AddReady([] {}); // which takes a lock that the worker may have held
+            owner.latestEnd = Clock::now() + 1900ms;
+        };
+        if (!ChildrenEndWell(2, end)) {
+            _exit(4);
+        }
     } else if (scenario == "ExitWithNoticesPending") {
-        KeepBusy();
+        // For 3 seconds, which is longer than exit() waits.
+        const auto work = [] {
+            running = true;
+            sleep_for(2ms);
+            running = false;
+        };
+        AddReady(work, 1500);
         sleep_for(moment);
-        std::exit(0);
+        std::thread([] { std::exit(0); }).join();
     } else if (scenario == "RunUsesLocale") {
-        AddReady([] {
+        Begin([] {
             for (const auto end = Clock::now() + 500ms; Clock::now() < end;) {
                 QLocale().toString(QTimeZone::systemTimeZone().offsetFromUtc({}));
             }
         });
-        AwaitRun();
         sleep_for(moment);
     } else if (scenario == "RunNeverEnds") {
-        AddReady([] { sleep_for(1h); });
-        AwaitRun(); // a run that has begun may still be there when its object goes
+        // A run that has begun may still be there when its object goes.
+        Begin([] { sleep_for(1h); });
+        owner.latestEnd = Clock::now() + 3500ms; // after a single wait
     } else if (scenario == "RunCallsExit") {
         AddReady([] {
             owner.latestEnd = Clock::now() + 1900ms;
@@ -182,16 +178,6 @@ int main(int, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     constexpr int children = 24;
-    for (int i = 0; i < children; ++i) {
-        if (fork() == 0) {
-            alarm(60);
-            Play(argv[1], 200ms * i / children);
-            return 0;
-        }
-    }
-    int result = 0;
-    for (int status = 0; wait(&status) > 0;) {
-        result |= status != 0 ? 1 : 0;
-    }
-    return result;
+    const auto play = [&](int i) { Play(argv[1], 200ms * i / children); };
+    return ChildrenEndWell(children, play) ? 0 : 1;
 }

@@ -11,47 +11,33 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 
-#include <zlib.h>
-
 #include <array>
-#include <iterator>
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
-/// Tiny pictures whose content is foreign while their structure is kept: chunks of a PNG with
-/// their checksums, the entry of an icon, segments of a JPEG.
+/// Small pictures, whole and damaged, and what Qt itself makes of them.
 namespace Pictures
 {
 
-constexpr qint64 limit = qint64{128} << 20;
-
-struct Picture {
-    QByteArray bytes;
-    qint64 beside = 0; // what counts beside the pixels that Qt announces
-};
-
-using Parts = std::vector<QByteArray>;
 using Told = std::vector<std::array<int, 3>>; // status, id, alpha
 
 struct Recorder : CImgDecodeNotify {
     void OnImageDecoded(int status, int id, int hasAlpha) override
     {
         told.push_back({status, id, hasAlpha});
+        std::exchange(onDecoded, [] {})();
     }
+    /// Returns what was recorded since the last call and starts over.
+    Told Take() { return std::exchange(told, {}); }
+
     Told told;
+    std::function<void()> onDecoded = [] {}; // at the next one
 };
 
-template <class Number>
-QByteArray Packed(Number number, bool big = true)
+inline QByteArray Encoded(const char* format, const QImage& image, bool progressive = false)
 {
-    const Number packed = big ? qToBigEndian(number) : qToLittleEndian(number);
-    return QByteArray(reinterpret_cast<const char*>(&packed), sizeof packed);
-}
-
-inline QByteArray Encoded(const char* format, QImage::Format pixels, bool progressive = false)
-{
-    QImage image(9, 5, pixels);
-    image.fill(QColor(200, 100, 20, 99));
     QBuffer buffer;
     QImageWriter writer(&buffer, format);
     writer.setProgressiveScanWrite(progressive);
@@ -59,127 +45,52 @@ inline QByteArray Encoded(const char* format, QImage::Format pixels, bool progre
     return buffer.data();
 }
 
-/// Drops, doubles, swaps or changes parts, or leaves them.
-inline Parts Shuffled(ByteSource& source, Parts parts)
+inline QImage Plain(QImage::Format format, int width = 9, int height = 5)
 {
-    for (int steps = source.Between(0, 3); steps > 0 && !parts.empty(); --steps) {
-        const auto at = parts.begin() + source.Between(0, int(parts.size()) - 1);
-        const int kind = source.Between(0, 3);
-        if (kind == 0) {
-            parts.erase(at);
-        } else if (kind == 1) {
-            parts.insert(at, QByteArray(*at));
-        } else if (kind == 2) {
-            std::swap(parts.front(), *at);
-        } else {
-            (*at)[source.Between(0, int(at->size()) - 1)] = char(source.Byte());
-        }
-    }
-    return parts;
+    QImage image(width, height, format);
+    image.fill(QColor(200, 100, 20, 99));
+    return image;
 }
 
-/// The chunks of a tiny PNG, each without length and checksum.
-inline Parts PngChunks(QImage::Format format)
+inline QByteArray Png(QImage::Format format, int width = 9, int height = 5)
 {
-    const QByteArray whole = Encoded("png", format);
-    Parts chunks;
-    for (int at = 8; at < int(whole.size()); at += 8 + int(chunks.back().size())) {
-        chunks.push_back(whole.mid(at + 4, 4 + qFromBigEndian<int>(whole.constData() + at)));
-    }
-    return chunks;
+    return Encoded("png", Plain(format, width, height));
 }
 
-inline Picture Png(ByteSource& source)
+inline QByteArray Little(int number)
 {
-    static const Parts variants[] = {
-        PngChunks(QImage::Format_ARGB32), PngChunks(QImage::Format_RGB32),
-        PngChunks(QImage::Format_Grayscale8), PngChunks(QImage::Format_RGBA64)};
-    // 4 MiB of text, which takes 4 KB, or 1 MiB that is not compressed.
-    static const QByteArray text = qCompress(QByteArray(4 << 20, 'a')).mid(4);
-    static const QByteArray texts[] = {
-        QByteArray("zTXtk\0\0", 7) + text, QByteArray("iTXtk\0\1\0\0\0", 10) + text,
-        QByteArray("iCCPk\0\0", 7) + text, QByteArray("tEXtk\0", 6) + QByteArray(1 << 20, 'a')};
-    Parts chunks = Shuffled(source, variants[source.Between(0, 3)]);
-    const int count = source.Byte() == 255 ? source.Between(1, 18) : 0;
-    chunks.insert(chunks.begin() + (chunks.empty() ? 0 : source.Between(0, int(chunks.size()))),
-                  size_t(count), texts[source.Between(0, 3)]);
-    Picture picture{"\x89PNG\r\n\x1a\n"};
-    bool ended = false;
-    for (const QByteArray& chunk : chunks) {
-        const auto* const data = reinterpret_cast<const Bytef*>(chunk.constData());
-        picture.bytes += Packed(quint32(chunk.size()) - 4) + chunk +
-                         Packed(quint32(crc32(0, data, uInt(chunk.size()))));
-        ended = ended || chunk.startsWith("IEND");
-        if (!ended && std::find(std::begin(texts), std::end(texts), chunk) != std::end(texts)) {
-            picture.beside += 8 * (chunk.size() - 4 + (chunk == texts[3] ? 0 : 4 << 20));
-        }
-    }
-    return picture;
+    const int packed = qToLittleEndian(number);
+    return QByteArray(reinterpret_cast<const char*>(&packed), sizeof packed);
 }
 
-/// An icon whose directory announces any size, with a PNG or a bitmap inside.
-inline Picture Icon(ByteSource& source)
+/// An icon, or by another start a cursor, over any content.
+inline QByteArray Icon(const QByteArray& content,
+                       const QByteArray& start = QByteArray("\0\0\1\0\1\0\x10\x10", 8))
 {
-    const char width = char(source.Between(0, 63)), height = char(source.Between(0, 63));
-    Picture inside;
-    qint64 pixels = 0;
-    auto size = quint32(-1);
-    if (source.Flag()) {
-        inside = Png(source);
-        const QByteArray header = inside.bytes.mid(16, 8).leftJustified(8, '\0');
-        pixels = qint64{qFromBigEndian<quint32>(header.constData())} *
-                 qFromBigEndian<quint32>(header.constData() + 4);
-        size = source.Between(0, 7) == 0 ? source.Word() : quint32(inside.bytes.size());
-        inside.beside += size;
-    } else {
-        const auto side = [&] { return source.Between(0, 3) == 3 ? 1 << 29 : 9; };
-        const int bitmapWidth = side(), bitmapHeight = side();
-        inside.bytes = Packed(40, false) + Packed(bitmapWidth, false) +
-                       Packed(2 * bitmapHeight, false) + Packed(0x200001, false) +
-                       QByteArray(20000, '\x55');
-        pixels = qint64{width != 0 ? width : bitmapWidth} * (height != 0 ? height : bitmapHeight);
-    }
-    inside.bytes = QByteArray("\0\0\1\0\1\0", 6) + width + height +
-                   QByteArray("\0\0\1\0\x20\0", 6) + Packed(size, false) + Packed(22, false) +
-                   inside.bytes;
-    inside.beside += pixels > limit ? limit : pixels * 4;
-    return inside;
+    return start + QByteArray("\0\0\1\0\x20\0", 6) + Little(int(content.size())) + Little(22) +
+           content;
 }
 
-/// The segments of a tiny JPEG, each with its marker; what follows the header is one.
-inline Parts JpegSegments(bool progressive)
+/// A picture with up to three bytes changed, or foreign bytes; either may be cut.
+inline QByteArray Any(ByteSource& source)
 {
-    const QByteArray whole = Encoded("jpg", QImage::Format_RGB32, progressive);
-    Parts segments;
-    int at = 2;
-    for (; whole[at + 1] != '\xDA'; at += int(segments.back().size())) {
-        segments.push_back(whole.mid(at, 2 + qFromBigEndian<quint16>(whole.constData() + at + 2)));
-    }
-    segments.push_back(whole.mid(at));
-    return segments;
-}
-
-inline Picture Jpeg(ByteSource& source)
-{
-    static const Parts variants[] = {JpegSegments(false), JpegSegments(true)};
-    Picture picture{"\xFF\xD8"};
-    for (const QByteArray& segment : Shuffled(source, variants[source.Between(0, 1)])) {
-        picture.bytes += segment;
-    }
-    return picture;
-}
-
-inline Picture Any(ByteSource& source)
-{
+    static const QByteArray whole[] = {
+        Png(QImage::Format_ARGB32),
+        Png(QImage::Format_RGBA64),
+        Png(QImage::Format_Grayscale8),
+        Encoded("jpg", Plain(QImage::Format_RGB32)),
+        Encoded("jpg", Plain(QImage::Format_RGB32), true),
+        Icon(Png(QImage::Format_ARGB32)),
+    };
     const int kind = source.Between(0, 6);
-    Picture picture = kind < 2   ? Png(source)
-                      : kind < 4 ? Icon(source)
-                      : kind < 6 ? Jpeg(source)
-                                 : Picture{QByteArray::fromStdString(source.Bytes(255))};
-    if (source.Between(0, 3) == 0 && picture.beside == 0) {
-        picture.bytes.truncate(source.Between(0, 1023));
+    QByteArray bytes = kind == 6 ? QByteArray::fromStdString(source.Bytes(255)) : whole[kind];
+    for (int steps = kind == 6 ? 0 : source.Between(0, 3); steps > 0; --steps) {
+        bytes[source.Between(0, int(bytes.size()) - 1)] = char(source.Byte());
     }
-    return picture;
+    if (source.Between(0, 3) == 0) {
+        bytes.truncate(source.Between(0, 1023));
+    }
+    return bytes;
 }
 
 /// Makes a new file: one that is written over is forced to the disk by some file systems.
@@ -192,18 +103,15 @@ inline void Put(const QString& name, const QByteArray& bytes)
 }
 
 /// What Qt itself makes of a picture, unless the limit forbids it.
-inline QImage Decoded(Picture picture)
+inline QImage Decoded(QByteArray bytes)
 {
-    QBuffer buffer(&picture.bytes);
+    QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer);
     reader.setDecideFormatFromContent(true);
-    if (picture.beside > limit) {
-        return QImage();
-    }
     const QSize size = reader.size();
     const qint64 pixels = std::abs(qint64{size.width()}) * std::abs(qint64{size.height()});
-    return pixels * 4 + picture.beside > limit ? QImage() : reader.read();
+    return pixels * 4 > qint64{128} << 20 ? QImage() : reader.read();
 }
 
 inline bool AreSame(const QImage* own, const QImage* expected)

@@ -51,7 +51,7 @@ bool Resize(QImage& image, QSize screen)
     }
     const QImage copy = fit.isValid() ? image.scaled(fit) : QImage();
     const QImage loaded = Pictures::Decoded(
-        {QByteArray(reinterpret_cast<const char*>(copy.constBits()), int(copy.sizeInBytes()))});
+        QByteArray(reinterpret_cast<const char*>(copy.constBits()), int(copy.sizeInBytes())));
     image = loaded.isNull() ? image : loaded;
     return true;
 }
@@ -67,21 +67,23 @@ void Decode(ByteSource& source, CQBImageDecode& decoder, Pictures::Recorder& rec
     static const QTemporaryDir place;
     const QString names[] = {place.filePath("a"), place.filePath("a.pNg"), place.filePath("apng")};
     const QString name = names[source.Between(0, 2)];
-    const Pictures::Picture picture = Pictures::Any(source);
-    Pictures::Put(name, picture.bytes);
-    QImage image = Pictures::Decoded(picture);
+    const QByteArray bytes = Pictures::Any(source);
+    Pictures::Put(name, bytes);
+    QImage image = Pictures::Decoded(bytes);
     const bool isMasked = name.endsWith(".pNg") || image.hasAlphaChannel();
     const QImage mask = image.convertToFormat(QImage::Format_Indexed8);
 
-    const bool isRefused = source.Between(0, 7) == 0;
-    CQWString path{isRefused ? "NoPic.BMP"
-                             : QString(name).replace('/', source.Flag() ? '/' : '\\')};
+    const int given = source.Between(0, 15); // from 13 on null, nothing, the placeholder
+    CQWString path{given == 15   ? "NoPic.BMP"
+                   : given == 14 ? ""
+                                 : QString(name).replace('/', source.Flag() ? '/' : '\\')};
+    CQWString* const pPath = given == 13 ? nullptr : &path;
     const int id = source.Byte();
     const bool isFit = source.Flag();
     const int operation = source.Between(0, 2);
-    recorder.told.clear();
-    const int result = operation == 0   ? decoder.DecodeImgFileL(&path, id, isFit)
-                       : operation == 1 ? decoder.DecodeImgFile(&path, id, isFit)
+    const bool isRefused = given > 13 || (given == 13 && operation != 2);
+    const int result = operation == 0   ? decoder.DecodeImgFileL(pPath, id, isFit)
+                       : operation == 1 ? decoder.DecodeImgFile(pPath, id, isFit)
                                         : decoder.DecodeImgFileSpecDispMode(path, id, isFit);
     MODEL_CHECK(isRefused || path == CQWString(name));
     if (operation != 0 && reference.isBusy) {
@@ -90,14 +92,14 @@ void Decode(ByteSource& source, CQBImageDecode& decoder, Pictures::Recorder& rec
     }
     reference.isFit = operation == 0 ? reference.isFit : isFit;
     if (isRefused) {
-        MODEL_CHECK(result == 0 && recorder.told.empty());
+        MODEL_CHECK(result == 0 && recorder.Take().empty());
         return;
     }
     reference.isBusy = isMasked && operation == 0;
     const bool isResized = !isMasked && reference.isFit && Resize(image, reference.screen);
     MODEL_CHECK(result == (isMasked ? 0 : 1));
     MODEL_CHECK(decoder.GetFileName() == CQWString(name));
-    MODEL_CHECK(recorder.told == Pictures::Told(isMasked || isResized ? 0 : 1, {1, id, 0}));
+    MODEL_CHECK(recorder.Take() == Pictures::Told(isMasked || isResized ? 0 : 1, {1, id, 0}));
     reference.isFetched = source.Flag();
     if (!reference.isFetched) {
         return; // the next decode deletes them
@@ -115,13 +117,19 @@ void Fit(ByteSource& source, CQBImageDecode& decoder, Reference& reference)
     const bool fits = FitSize({width, height}, reference.screen, expected);
     MODEL_CHECK(decoder.GetFitScreenSize({width, height}, fit) == (fits ? 1 : 0));
     MODEL_CHECK(fit == expected);
-    // The start of a grey map, or of any other picture, may stand in the pixels.
-    QByteArray pixels = source.Flag() ? Pictures::Any(source).bytes : QByteArray("P5 2 1 255 ab");
+    // The start of a grey map, or of any other picture, may stand in the pixels of a reduced copy:
+    // in every second column of the middle row, with nothing around it.
+    const QByteArray pixels = source.Flag() ? Pictures::Any(source) : "P5 2 1 255 ab";
     const int length = std::clamp(int(pixels.size()), 1, 2000);
-    pixels.resize(length);
-    QImage image(length, 1, QImage::Format_Grayscale8);
-    std::copy(pixels.begin(), pixels.end(), image.bits());
-    image = image.scaled(length * 2, 2);
+    QImage image(2 * length, 3, QImage::Format_Grayscale8);
+    image.fill(0);
+    for (int i = 0; i < std::min(length, int(pixels.size())); ++i) {
+        image.scanLine(1)[2 * i] = uchar(pixels[i]);
+    }
+    if (width % 2 == 0) {
+        reference.screen = QSize(length, 12);
+        decoder.SetScreenSize(reference.screen);
+    }
     QImage resized = image;
     const bool acts = Resize(resized, reference.screen);
     MODEL_CHECK(decoder.ResizeImageToFitScreen(&image) == (acts ? 1 : 0));

@@ -46,43 +46,48 @@ void TakeImages(ByteSource& source, CQImageDecode& decoder, Reference& reference
         CheckSlot(std::unique_ptr<QImage>(mask), reference.mask);
     } else {
         MODEL_CHECK(decoder.GetImageFromPng(&image, nullptr) == 0);
+        MODEL_CHECK(decoder.GetImageFromPng(nullptr, &mask) == 0);
     }
 }
 
 // The names under which one file can be given, by directory and name or as one path.
 struct Names {
     QTemporaryDir place;
-    CQWString dir{QString(place.path() + '/')}, name{QString("picture")};
-    CQWString path{QString(place.filePath("picture"))};
+    CQWString dir{QString(place.path() + '/')}, name{QString("NoPic.BMP")};
+    CQWString path{QString(place.filePath("NoPic.BMP"))}, none;
 };
 
 void Decode(ByteSource& source, CQImageDecode& decoder, Pictures::Recorder& recorder,
             Reference& reference, int mode)
 {
     static Names names;
-    Pictures::Picture picture = Pictures::Any(source);
-    const QImage image = Pictures::Decoded(picture);
+    QByteArray bytes = Pictures::Any(source);
+    const QImage image = Pictures::Decoded(bytes);
     const int operation = source.Between(0, 5);
     const int id = source.Byte();
     const bool isFile = operation < 4, isConverted = operation == 0 || operation == 2;
     CQSString data, format;
-    data.AppendData(reinterpret_cast<unsigned char*>(picture.bytes.data()),
-                    int(picture.bytes.size()));
-    format.AppendData("x");
-    if (isFile) {
-        Pictures::Put(names.place.filePath("picture"), picture.bytes);
+    data.AppendData(reinterpret_cast<unsigned char*>(bytes.data()), int(bytes.size()));
+    // One argument may be missing, or the path be the placeholder for no picture.
+    const int missing = id / 16;
+    CQWString* const absent = missing % 2 == 0 ? nullptr : &names.none;
+    CQWString* const path = missing < 12 ? &names.path : missing < 14 ? &names.name : absent;
+    CQWString* const dir = missing == 12 || missing == 13 ? absent : &names.dir;
+    CQWString* const name = missing == 14 || missing == 15 ? absent : &names.name;
+    format.AppendData(missing < 12 ? "x" : "");
+    Pictures::Put(names.place.filePath("NoPic.BMP"), bytes);
+    const int result = operation == 0   ? decoder.DecodeImgFileL(path, id)
+                       : operation == 1 ? decoder.DecodeImgFileL(dir, name, id)
+                       : operation == 2 ? decoder.DecodePngFileL(path, id)
+                       : operation == 3 ? decoder.DecodePngFileL(dir, name, id)
+                       : operation == 4 ? decoder.DecodePngBufL(data, id)
+                                        : decoder.DecodeImgBufL(data, format, id);
+    const bool runs = isFile ? missing < 12 : !data.IsEmpty() && (operation == 4 || missing < 12);
+    MODEL_CHECK(result == (runs ? 1 : 0));
+    if (runs && isFile) {
         reference.id = id;
         reference.name = isConverted ? names.path : names.name;
     }
-    recorder.told.clear();
-    const int result = operation == 0   ? decoder.DecodeImgFileL(&names.path, id)
-                       : operation == 1 ? decoder.DecodeImgFileL(&names.dir, &names.name, id)
-                       : operation == 2 ? decoder.DecodePngFileL(&names.path, id)
-                       : operation == 3 ? decoder.DecodePngFileL(&names.dir, &names.name, id)
-                       : operation == 4 ? decoder.DecodePngBufL(data, id)
-                                        : decoder.DecodeImgBufL(data, format, id);
-    const bool runs = isFile || !data.IsEmpty();
-    MODEL_CHECK(result == (runs ? 1 : 0));
     if (runs && operation != 4) {
         reference.image = isConverted ? Converted(image, mode) : image;
     }
@@ -90,7 +95,7 @@ void Decode(ByteSource& source, CQImageDecode& decoder, Pictures::Recorder& reco
         reference.mask = isFile ? Converted(image, QImage::Format_Indexed8) : image;
     }
     const int hasAlpha = operation == 3 && image.hasAlphaChannel() ? 1 : 0;
-    MODEL_CHECK(recorder.told == Pictures::Told(runs ? 1 : 0, {1, reference.id, hasAlpha}));
+    MODEL_CHECK(recorder.Take() == Pictures::Told(runs ? 1 : 0, {1, reference.id, hasAlpha}));
     MODEL_CHECK(decoder.GetFileName() == reference.name);
 }
 
