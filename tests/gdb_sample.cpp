@@ -26,7 +26,6 @@ int main()
     buffer.Create(9);
     buffer.Append(bytes, 2);
     CQSchedulerInstance scheduler(nullptr);
-    const QList<CQActive*> list; // for the debug information of its class
     Idle idle;
     idle.Complete(7);
     scheduler.Add(&idle);

@@ -11,7 +11,8 @@ class QCommandLineParser;
 /// man page and the shell completion.
 struct Command {
     const char* name;
-    const char* arguments; ///< What follows the options, as the usage line shows it.
+    const char*
+        arguments; ///< What follows the options in the usage line, behind a space; or nothing.
     const char* summary;
     const char* example;
     void (*declare)(QCommandLineParser& parser);

@@ -16,8 +16,14 @@ Progress::Progress(const QString& name, qint64 total) : m_name(name), m_total(to
 
 Progress::~Progress()
 {
+    Clear();
+}
+
+void Progress::Clear()
+{
     if (m_shown) {
         std::fputs("\r\033[K", stderr);
+        m_shown = false;
     }
 }
 
@@ -60,26 +66,35 @@ QByteArray Input::Read(qint64 most)
         throw Failure(QStringLiteral("%1: %2").arg(m_name, m_file.errorString()));
     }
     bytes.truncate(static_cast<int>(got));
-    m_progress->Advance(got);
+    if (m_progress && got > 0) {
+        m_progress->Advance(got);
+    } else if (m_progress) {
+        m_progress->Clear(); // what the caller prints now has the line to itself
+    }
     return bytes;
 }
 
 QByteArray Input::ReadAll(qint64 most)
 {
     constexpr qint64 step = 1 << 20;
+    RefuseAbove(m_file.size(), most); // 0 where it is not known
     QByteArray all;
     for (;;) {
         const QByteArray bytes = Read(step);
         if (bytes.isEmpty()) {
             return all;
         }
-        if (all.size() + bytes.size() > most) {
-            throw Failure(QStringLiteral("%1: is longer than %2 bytes, which the format does not "
-                                         "hold")
-                              .arg(m_name)
-                              .arg(most));
-        }
+        RefuseAbove(all.size() + bytes.size(), most);
         all += bytes;
+    }
+}
+
+void Input::RefuseAbove(qint64 size, qint64 most) const
+{
+    if (size > most) {
+        throw Failure(QStringLiteral("%1: is longer than the %2 bytes that this command takes")
+                          .arg(m_name)
+                          .arg(most));
     }
 }
 
@@ -96,10 +111,16 @@ void WriteOutput(const QCommandLineParser& parser, const QByteArray& content)
         std::fwrite(content.constData(), 1, static_cast<std::size_t>(content.size()), stdout);
         return; // main() looks whether it has arrived
     }
-    QSaveFile file(parser.value(QStringLiteral("out")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() ||
-        !file.commit()) {
-        throw Failure(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
+    const QString name = parser.value(QStringLiteral("out"));
+    if (QFileInfo::exists(name) && !QFileInfo(name).isFile()) {
+        throw Failure(name + QStringLiteral(": is no regular file, so it is not replaced"));
+    }
+    QSaveFile file(name);
+    if (!file.open(QIODevice::WriteOnly)) {
+        throw Failure(QStringLiteral("%1: %2").arg(name, file.errorString()));
+    }
+    if (file.write(content) != content.size() || !file.commit()) {
+        throw Failure(name + QStringLiteral(": could not be written (is the disk full?)"));
     }
 }
 

@@ -18,6 +18,8 @@ public:
     Progress(const QString& name, qint64 total);
     ~Progress();
     void Advance(qint64 bytes);
+    /// Takes the line off the terminal.
+    void Clear();
 
 private:
     QString m_name;
@@ -35,6 +37,9 @@ class Input
 public:
     explicit Input(const QString& name);
 
+    /// For a caller that prints as it reads: no progress between its lines.
+    void HideProgress() { m_progress.reset(); }
+
     /// The next bytes, `most` at the most; empty at the end.
     QByteArray Read(qint64 most);
     /// All that is left; a Failure when that is more than `most` bytes, so that nothing is cut
@@ -43,6 +48,8 @@ public:
     const QString& GetName() const { return m_name; }
 
 private:
+    void RefuseAbove(qint64 size, qint64 most) const;
+
     QString m_name;
     QFile m_file;
     std::unique_ptr<Progress> m_progress;

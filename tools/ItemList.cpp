@@ -69,6 +69,7 @@ private:
             {QStringLiteral("int"), ItemKind::Int},
             {QStringLiteral("short"), ItemKind::UShort},
             {QStringLiteral("char"), ItemKind::Byte}};
+        const auto start = m_position;
         const QString word = TakeWord();
         const auto counter = counters.find(word);
         bool isNumber = false;
@@ -76,7 +77,8 @@ private:
         if (counter != counters.end() && item.kind != ItemKind::Bytes) {
             item.counter = counter->second;
             item.count = -1;
-        } else if (!isNumber || item.count > 2147483647LL) {
+        } else if (!isNumber) {
+            m_position = start;
             Refuse(QStringLiteral("a count is a number, or int, short or char before the data"));
         }
     }

@@ -21,7 +21,7 @@ unsigned char* Bytes(QByteArray& bytes)
     return reinterpret_cast<unsigned char*>(bytes.data());
 }
 
-QByteArray EncryptWithKey(QByteArray plain, Key key)
+QByteArray EncryptWithKey(QByteArray plain, Key key, const QString&)
 {
     const CCrypt cipher(key.data(), 0, 0);
     int length = cipher.FindEncryptSize(int(plain.size()));
@@ -59,43 +59,51 @@ void Declare(QCommandLineParser& parser)
     DeclareOut(parser);
 }
 
-int RunEncrypt(const QCommandLineParser& parser)
+/// One of the two ways through the cipher.
+struct Direction {
+    qint64 longestInput;
+    QByteArray (*convert)(QByteArray bytes, Key key, const QString& inputName);
+    int (*convertName)(CQSString& name);
+    const char* refusedName;
+};
+
+int Run(const QCommandLineParser& parser, const Direction& direction)
 {
     const Key key = ParseKey(parser);
     Input input(InputName(parser));
-    const QByteArray plain = input.ReadAll(longestPayload);
-    WriteOutput(parser, IsNameKey(parser)
-                            ? ConvertName(plain, CQPath::EncodeFileName,
-                                          input.GetName() +
-                                              QStringLiteral(": a stored name has 1 to 256 bytes"))
-                            : EncryptWithKey(plain, key));
+    const QByteArray bytes = input.ReadAll(direction.longestInput);
+    WriteOutput(parser,
+                IsNameKey(parser)
+                    ? ConvertName(bytes, direction.convertName,
+                                  input.GetName() + QString::fromLatin1(direction.refusedName))
+                    : direction.convert(bytes, key, input.GetName()));
     return 0;
+}
+
+int RunEncrypt(const QCommandLineParser& parser)
+{
+    return Run(parser, {longestPayload, EncryptWithKey, CQPath::EncodeFileName,
+                        ": a stored name has 1 to 256 bytes"});
 }
 
 int RunDecrypt(const QCommandLineParser& parser)
 {
-    const Key key = ParseKey(parser);
-    Input input(InputName(parser));
-    const QByteArray envelope = input.ReadAll(longestEnvelope);
-    WriteOutput(parser, IsNameKey(parser)
-                            ? ConvertName(envelope, CQPath::DecodeFileName,
-                                          input.GetName() + QStringLiteral(": is no stored name"))
-                            : DecryptWithKey(envelope, key, input.GetName()));
-    return 0;
+    return Run(parser,
+               {longestEnvelope, DecryptWithKey, CQPath::DecodeFileName, ": is no stored name"});
 }
 
 } // namespace
 
 const Command commandEncrypt = {
     "encrypt",
-    "[FILE]",
+    " [FILE]",
     "Seal a file or standard input into a cipher envelope.",
     "orvotool encrypt --number 10001 --text secret -o note.enc note.txt",
     Declare,
     RunEncrypt};
 
 const Command commandDecrypt = {"decrypt",
-                                "[FILE]",
+                                " [FILE]",
                                 "Open a cipher envelope.",
                                 "orvotool decrypt --number 10001 --text secret note.enc",
                                 Declare,

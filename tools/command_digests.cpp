@@ -185,21 +185,21 @@ int RunHash(const QCommandLineParser& parser)
 } // namespace
 
 const Command commandKey = {"key",
-                            "NUMBER TEXT",
+                            " NUMBER TEXT",
                             "Print the key that the client derives from a number and a text.",
                             "orvotool key 10001 'correct horse'",
                             DeclareNothing,
                             RunKey};
 
 const Command commandMd5 = {"md5",
-                            "[FILE]...",
+                            " [FILE]...",
                             "Print or check MD5 sums, in the form of md5sum.",
                             "orvotool md5 build/demo/10001/*.info",
                             DeclareMd5,
                             RunMd5};
 
 const Command commandHash = {"hash",
-                             "TEXT",
+                             " TEXT",
                              "Print the hash of a text: hexadecimal, unsigned, as stored.",
                              "orvotool hash buddylist",
                              DeclareJson,

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <unistd.h>
 
 namespace
 {
@@ -22,7 +23,12 @@ namespace
 class InputStream : public OrvoStream::CIStream
 {
 public:
-    explicit InputStream(const QString& name) : m_input(name) {}
+    explicit InputStream(const QString& name) : m_input(name)
+    {
+        if (isatty(STDOUT_FILENO) != 0) {
+            m_input.HideProgress();
+        }
+    }
 
     int Read(char* dest, int len) override
     {
@@ -71,16 +77,20 @@ private:
 struct Row {
     qint64 offset;
     const Item& item;
-    QByteArray bytes;
-    qint64 number; // of the kinds that are numbers
+    qint64 size;
+    QByteArray bytes; // as many of them as the printer wants
+    qint64 number;    // of the kinds that are numbers
 };
+
+constexpr int bytesInTable = 16;
+constexpr int textInTable = 1 << 16;
 
 bool IsNumber(ItemKind kind)
 {
     return kind != ItemKind::Bytes && kind != ItemKind::Text && kind != ItemKind::Repeat;
 }
 
-/// Control characters, and bytes that are no UTF-8, show as "\xNN" in a table.
+/// Control characters show as "\xNN" in a table, bytes that are no UTF-8 as "\xfffd".
 QString Printable(const QByteArray& bytes)
 {
     QString text;
@@ -91,11 +101,16 @@ QString Printable(const QByteArray& bytes)
     return text;
 }
 
-QString HexOf(const QByteArray& bytes)
+QString QuotedText(const Row& row)
 {
-    constexpr int shown = 16;
-    const QString hex = QString::fromLatin1(bytes.left(shown).toHex(' '));
-    return bytes.size() > shown ? hex + QStringLiteral(" ...") : hex;
+    return QLatin1Char('"') + Printable(row.bytes) +
+           QLatin1String(row.size > row.bytes.size() ? "\"..." : "\"");
+}
+
+QString HexOf(const Row& row)
+{
+    const QString hex = QString::fromLatin1(row.bytes.left(bytesInTable).toHex(' '));
+    return row.size > bytesInTable ? hex + QStringLiteral(" ...") : hex;
 }
 
 class Printer
@@ -104,6 +119,14 @@ public:
     explicit Printer(bool json) : m_json(json)
     {
         std::fputs(m_json ? "[" : "offset    item        value\n", stdout);
+    }
+
+    /// How many bytes of an item it shows: a file of bytes may be longer than memory.
+    qint64 CountOfShown(const Item& item, qint64 size) const
+    {
+        return m_json ? size
+                      : std::min<qint64>(size,
+                                         item.kind == ItemKind::Text ? textInTable : bytesInTable);
     }
 
     void Print(const Row& row)
@@ -128,11 +151,11 @@ private:
     {
         const QString value = IsNumber(row.item.kind) ? QString::number(row.number)
                               : row.item.kind == ItemKind::Text
-                                  ? QLatin1Char('"') + Printable(row.bytes) + QLatin1Char('"')
-                                  : QStringLiteral("%1 bytes").arg(row.bytes.size());
+                                  ? QuotedText(row)
+                                  : QStringLiteral("%1 bytes").arg(row.size);
         std::printf("%08llx  %-10s  %-12s  %s\n", static_cast<unsigned long long>(row.offset),
                     qUtf8Printable(row.item.name), qUtf8Printable(value),
-                    qUtf8Printable(HexOf(row.bytes)));
+                    qUtf8Printable(HexOf(row)));
     }
 
     void PrintJson(const Row& row) const
@@ -191,17 +214,17 @@ private:
     void DumpItem(const Item& item)
     {
         ReadOrRefuse(item, [&] {
-            qint64 start = m_stream.GetOffset();
-            qint64 number = 0;
+            const qint64 length = IsNumber(item.kind) ? 0
+                                  : item.counter      ? ReadCount(item)
+                                                      : item.count;
+            m_start = m_stream.GetOffset();
             if (IsNumber(item.kind)) {
-                number = ReadNumber(item.kind);
+                Show(item, ReadNumber(item.kind));
             } else {
-                const qint64 length = item.counter ? ReadCount(item) : item.count;
-                start = m_stream.GetOffset();
-                ReadBytes(length);
+                ReadBytes(length, m_printer.CountOfShown(item, length));
+                Show(item, 0);
             }
-            Show({start, item, Take(), number});
-            return number;
+            return length;
         });
     }
 
@@ -209,14 +232,15 @@ private:
     template <class Reading>
     qint64 ReadOrRefuse(const Item& item, Reading read)
     {
+        m_start = m_stream.GetOffset();
         try {
             return read();
         } catch (int) {
             throw Failure(
                 QStringLiteral("%1: %2 does not fit at offset %3; %4 bytes are left there")
                     .arg(m_stream.GetName(), item.name)
-                    .arg(m_stream.GetOffset())
-                    .arg(m_stream.GetLeft(1 << 30)));
+                    .arg(m_start)
+                    .arg(m_stream.GetOffset() - m_start + m_stream.GetLeft(longestPiece)));
         }
     }
 
@@ -225,13 +249,12 @@ private:
     {
         static const Item names[] = {{ItemKind::Int, QStringLiteral("length"), {}, -1, {}},
                                      {ItemKind::Int, QStringLiteral("count"), {}, -1, {}}};
-        const qint64 start = m_stream.GetOffset();
         const qint64 count = ReadNumber(*item.counter);
-        Show({start, names[item.kind == ItemKind::Repeat ? 1 : 0], Take(), count});
+        Show(names[item.kind == ItemKind::Repeat ? 1 : 0], count);
         if (count < 0) {
             throw Failure(QStringLiteral("%1: %2 at offset %3 says %4, which is no count")
                               .arg(m_stream.GetName(), item.name)
-                              .arg(start)
+                              .arg(m_start)
                               .arg(count));
         }
         return count;
@@ -256,15 +279,16 @@ private:
     }
 
     /// In pieces, so that a wrong length asks for no memory that the file does not fill.
-    void ReadBytes(qint64 length)
+    void ReadBytes(qint64 length, qint64 shown)
     {
         while (length > 0) {
-            int piece = static_cast<int>(std::min<qint64>(length, 1 << 16));
+            int piece = static_cast<int>(std::min<qint64>(length, longestPiece));
             if (m_stream.GetLeft(piece) < piece) {
                 throw -1; // as a short read of a data stream does
             }
             const std::unique_ptr<char[]> bytes(m_data.ReadBytes(piece));
-            m_bytes.append(bytes.get(), piece);
+            m_bytes.append(bytes.get(), static_cast<int>(std::min<qint64>(piece, shown)));
+            shown -= std::min<qint64>(piece, shown);
             length -= piece;
         }
     }
@@ -276,14 +300,19 @@ private:
         return number;
     }
 
-    QByteArray Take() { return std::exchange(m_bytes, {}); }
+    void Show(const Item& item, qint64 number)
+    {
+        m_printer.Print(
+            {m_start, item, m_stream.GetOffset() - m_start, std::exchange(m_bytes, {}), number});
+    }
 
-    void Show(const Row& row) { m_printer.Print(row); }
+    static constexpr int longestPiece = 1 << 16;
 
     InputStream& m_stream;
     OrvoStream::DataInputStream m_data;
     Printer& m_printer;
-    QByteArray m_bytes; // of the item that is being read
+    qint64 m_start = 0; // of the item that is being read
+    QByteArray m_bytes; // those of it that are shown
 };
 
 void Declare(QCommandLineParser& parser)
@@ -320,7 +349,7 @@ int Run(const QCommandLineParser& parser)
 
 const Command commandDump = {
     "dump",
-    "[FILE]",
+    " [FILE]",
     "Print a data stream as a table of its items.",
     "orvotool dump build/demo/10001/grouplist.info --items 'repeat:int(int,text:int)'",
     Declare,

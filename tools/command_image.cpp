@@ -1,6 +1,7 @@
 // image: what the decoders make of an image file.
 
 #include "Command.h"
+#include "InputOutput.h"
 
 #include <CImgDecodeNotify.h>
 #include <CQBImageDecode.h>
@@ -13,7 +14,6 @@
 #include <QImage>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 
 #include <cstdio>
 
@@ -37,7 +37,7 @@ Decoded Decode(const QString& path)
     QImage* mask = nullptr;
     decoder->GetImageFromPng(&image, &mask);
     Decoded decoded{std::unique_ptr<QImage>(image), std::unique_ptr<QImage>(mask)};
-    if (!image || image->isNull()) {
+    if (!image || image->isNull() || !mask || mask->isNull()) {
         throw Failure(path + QStringLiteral(": does not decode, or is beyond 128 MB in memory"));
     }
     return decoded;
@@ -64,12 +64,14 @@ QSize FittedSize(const QSize& size, const QSize& screen)
     return fitted;
 }
 
-void WritePng(const QImage& image, const QString& path)
+QByteArray PngOf(const QImage& image)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit()) {
-        throw Failure(QStringLiteral("%1: %2").arg(path, file.errorString()));
+    QByteArray png;
+    QBuffer buffer(&png);
+    if (!buffer.open(QIODevice::WriteOnly) || !image.save(&buffer, "PNG")) {
+        throw Failure(QStringLiteral("the image makes no PNG"));
     }
+    return png;
 }
 
 QString SizeText(const QSize& size)
@@ -113,15 +115,19 @@ int Run(const QCommandLineParser& parser)
 {
     RequireArguments(parser, 1, 1);
     const bool fit = parser.isSet(QStringLiteral("fit"));
+    const bool isOut = parser.isSet(QStringLiteral("out"));
+    if (parser.isSet(QStringLiteral("mask")) && !isOut) {
+        throw UsageError(QStringLiteral("--mask wants --out"));
+    }
     const QSize screen = fit ? ParseSize(parser.value(QStringLiteral("fit"))) : QSize();
     const Decoded decoded = Decode(parser.positionalArguments()[0]);
     const QSize fitted = fit ? FittedSize(decoded.image->size(), screen) : QSize();
-    if (parser.isSet(QStringLiteral("out"))) {
+    if (isOut) {
         const QImage& image = parser.isSet(QStringLiteral("mask")) ? *decoded.mask : *decoded.image;
-        WritePng(fit ? image.scaled(fitted.expandedTo(QSize(1, 1)), Qt::IgnoreAspectRatio,
-                                    Qt::SmoothTransformation)
-                     : image,
-                 parser.value(QStringLiteral("out")));
+        WriteOutput(parser,
+                    PngOf(fit ? image.scaled(fitted.expandedTo(QSize(1, 1)), Qt::IgnoreAspectRatio,
+                                             Qt::SmoothTransformation)
+                              : image));
     }
     Print(*decoded.image, fitted, parser.isSet(QStringLiteral("json")));
     return 0;
@@ -130,7 +136,7 @@ int Run(const QCommandLineParser& parser)
 } // namespace
 
 const Command commandImage = {"image",
-                              "FILE",
+                              " FILE",
                               "Decode an image file; print its size, write it as PNG.",
                               "orvotool image examples/data/avatars/anna.jpg --fit 480x854",
                               Declare,

@@ -16,6 +16,8 @@
 
 #include <cstdio>
 #include <functional>
+#include <initializer_list>
+#include <utility>
 
 namespace
 {
@@ -39,122 +41,143 @@ QString Text(const CQSString& text)
     return QString::fromUtf8(text.GetDataPtr(), text.GetLength());
 }
 
-/// Collects one path after the other; those of the client itself move to the chosen disc.
+/// A member of CQPath, by its name, with what it takes beside its result.
+using Member = std::pair<const char*, std::function<void(CQSString&)>>;
+
+/// The same for one whose result is a wide string.
+Member Wide(const char* name, const std::function<void(CQWString&)>& get)
+{
+    return {name, [get](CQSString& out) {
+                CQWString wide;
+                get(wide);
+                out = CQSString(wide);
+            }};
+}
+
+/// Collects one path after the other.
 class Layout
 {
 public:
     explicit Layout(const Choice& choice) : m_choice(choice) {}
 
-    void AddClient(const char* name, const std::function<void(CQSString&)>& get)
+    /// Paths of the client itself, which move to the chosen disc.
+    void AddClient(std::initializer_list<Member> members)
     {
-        CQSString path;
-        get(path);
-        QString text = Text(path);
-        if (text.startsWith(QChar(CSystemCall::GetInstallDisc()))) {
-            text[0] = m_choice.disc;
+        for (const Member& member : members) {
+            QString path = PathOf(member);
+            if (path.startsWith(QChar(CSystemCall::GetInstallDisc()))) {
+                path[0] = m_choice.disc;
+            }
+            m_entries.push_back({QString::fromLatin1(member.first), path});
         }
-        m_entries.push_back({QString::fromLatin1(name), text});
     }
 
-    void AddAccount(const char* name, const std::function<void(CQSString&)>& get)
+    void AddAccount(std::initializer_list<Member> members)
     {
-        CQSString path;
-        get(path);
-        m_entries.push_back({QString::fromLatin1(name), Text(path)});
+        for (const Member& member : members) {
+            m_entries.push_back({QString::fromLatin1(member.first), PathOf(member)});
+        }
     }
 
     const std::vector<Entry>& GetEntries() const { return m_entries; }
 
 private:
+    static QString PathOf(const Member& member)
+    {
+        CQSString path;
+        member.second(path);
+        return Text(path);
+    }
+
     const Choice& m_choice;
     std::vector<Entry> m_entries;
 };
 
 void AddRoots(Layout& layout, const Choice& choice)
 {
-    layout.AddClient("GetAppDataRoot", CQPath::GetAppDataRoot);
-    layout.AddClient("GetUserDataRoot", CQPath::GetUserDataRoot);
-    layout.AddClient("GetBrowserRoot", CQPath::GetBrowserRoot);
-    layout.AddClient("GetHttpCookiesRoot", CQPath::GetHttpCookiesRoot);
-    layout.AddClient("GetDownloadRoot",
-                     [&](CQSString& out) { CQPath::GetDownloadRoot(out, choice.disc.toLatin1()); });
-    layout.AddClient("GetHttpTempRoot", CQPath::GetHttpTempRoot);
-    layout.AddClient("GetConfigRoot", CQPath::GetConfigRoot);
-    layout.AddAccount("GetBrowserTmpPic", [](CQSString& out) {
-        CQWString wide;
-        CQPath::GetBrowserTmpPic(wide);
-        out = CQSString(wide);
+    layout.AddClient({
+        {"GetAppDataRoot", CQPath::GetAppDataRoot},
+        {"GetUserDataRoot", CQPath::GetUserDataRoot},
+        {"GetBrowserRoot", CQPath::GetBrowserRoot},
+        {"GetHttpCookiesRoot", CQPath::GetHttpCookiesRoot},
+        {"GetDownloadRoot",
+         [&](CQSString& out) { CQPath::GetDownloadRoot(out, choice.disc.toLatin1()); }},
+        {"GetHttpTempRoot", CQPath::GetHttpTempRoot},
+        {"GetConfigRoot", CQPath::GetConfigRoot},
     });
+    layout.AddAccount({Wide("GetBrowserTmpPic", CQPath::GetBrowserTmpPic)});
 }
 
 void AddApplicationFiles(Layout& layout, const Choice& choice)
 {
-    layout.AddClient("GetOperationGuideFile", CQPath::GetOperationGuideFile);
-    layout.AddClient("GetRecentLoginFilePath", CQPath::GetRecentLoginFilePath);
-    layout.AddClient("GetIAPFilePath", CQPath::GetIAPFilePath);
-    layout.AddClient("GetPortalIdFilePath", CQPath::GetPortalIdFilePath);
-    layout.AddClient("GetOLFileDownloadRecordFile", CQPath::GetOLFileDownloadRecordFile);
-    layout.AddClient("GetBrowserDownloadRecordFile", CQPath::GetBrowserDownloadRecordFile);
-    layout.AddClient("GetBrowserBookmarkFilePath", CQPath::GetBrowserBookmarkFilePath);
-    layout.AddClient("GetBrowserHistoryFilePath", CQPath::GetBrowserHistoryFilePath);
-    layout.AddClient("GetTrayIconInfoFile", CQPath::GetTrayIconInfoFile);
-    layout.AddClient("GetLastLoginConfigFile", CQPath::GetLastLoginConfigFile);
-    layout.AddClient("GetSkinConfigFile", CQPath::GetSkinConfigFile);
-    layout.AddClient("GetSkinPath", CQPath::GetSkinPath);
-    layout.AddClient("GetLastIMEIUploadLogFile", [&](CQSString& out) {
-        CQWString wide;
-        CQPath::GetLastIMEIUploadLogFile(choice.account, wide);
-        out = CQSString(wide);
+    const unsigned int account = choice.account;
+    layout.AddClient({
+        {"GetOperationGuideFile", CQPath::GetOperationGuideFile},
+        {"GetRecentLoginFilePath", CQPath::GetRecentLoginFilePath},
+        {"GetIAPFilePath", CQPath::GetIAPFilePath},
+        {"GetPortalIdFilePath", CQPath::GetPortalIdFilePath},
+        {"GetOLFileDownloadRecordFile", CQPath::GetOLFileDownloadRecordFile},
+        {"GetBrowserDownloadRecordFile", CQPath::GetBrowserDownloadRecordFile},
+        {"GetBrowserBookmarkFilePath", CQPath::GetBrowserBookmarkFilePath},
+        {"GetBrowserHistoryFilePath", CQPath::GetBrowserHistoryFilePath},
+        {"GetTrayIconInfoFile", CQPath::GetTrayIconInfoFile},
+        {"GetLastLoginConfigFile", CQPath::GetLastLoginConfigFile},
+        {"GetSkinConfigFile", CQPath::GetSkinConfigFile},
+        {"GetSkinPath", CQPath::GetSkinPath},
+        Wide("GetLastIMEIUploadLogFile",
+             [&](CQWString& out) { CQPath::GetLastIMEIUploadLogFile(account, out); }),
+        {"GetBrowserUrlRecordFilePath", CQPath::GetBrowserUrlRecordFilePath},
+        {"GetGUIDFilePath", CQPath::GetGUIDFilePath},
+        {"GetPVDataFilePath", CQPath::GetPVDataFilePath},
+        {"GetBrowserOptionsFilePath", CQPath::GetBrowserOptionsFilePath},
+        {"GetTolloLogCacheFilePath",
+         [&](CQSString& out) { CQPath::GetTolloLogCacheFilePath(out, account); }},
+        {"GetTolloLogDraftFilePath",
+         [&](CQSString& out) { CQPath::GetTolloLogDraftFilePath(out, account); }},
+        {"GetImageFilePath", CQPath::GetImageFilePath},
+        {"GetFileRecvPath", CQPath::GetFileRecvPath},
+        {"GetRecordAudioName",
+         [&](CQSString& out) { CQPath::GetRecordAudioName(out, choice.index); }},
     });
-    layout.AddClient("GetBrowserUrlRecordFilePath", CQPath::GetBrowserUrlRecordFilePath);
-    layout.AddClient("GetGUIDFilePath", CQPath::GetGUIDFilePath);
-    layout.AddClient("GetPVDataFilePath", CQPath::GetPVDataFilePath);
-    layout.AddClient("GetBrowserOptionsFilePath", CQPath::GetBrowserOptionsFilePath);
-    layout.AddClient("GetTolloLogCacheFilePath", [&](CQSString& out) {
-        CQPath::GetTolloLogCacheFilePath(out, choice.account);
-    });
-    layout.AddClient("GetTolloLogDraftFilePath", [&](CQSString& out) {
-        CQPath::GetTolloLogDraftFilePath(out, choice.account);
-    });
-    layout.AddClient("GetImageFilePath", CQPath::GetImageFilePath);
-    layout.AddClient("GetFileRecvPath", CQPath::GetFileRecvPath);
-    layout.AddClient("GetRecordAudioName",
-                     [&](CQSString& out) { CQPath::GetRecordAudioName(out, choice.index); });
 }
 
 void AddAccountFiles(Layout& layout, const Choice& choice)
 {
     const char* const root = choice.root.constData();
-    const auto addBelowRoot = [&](const char* name, auto get) {
-        layout.AddAccount(name, [&](CQSString& out) { get(out, root, choice.account); });
+    const char* const directory = choice.directory.constData();
+    const unsigned int account = choice.account;
+    const unsigned int index = choice.index;
+    layout.AddAccount({
+        {"GetMsgFilePath", [&](CQSString& out) { CQPath::GetMsgFilePath(out, root, account); }},
+        {"GetLoginInfoFilePath",
+         [&](CQSString& out) { CQPath::GetLoginInfoFilePath(out, root, account); }},
+        {"GetCFFilePath",
+         [&](CQSString& out) { CQPath::GetCFFilePath(out, root, account, index); }},
+        {"GetFileTransInfoFilePath",
+         [&](CQSString& out) {
+             CQPath::GetFileTransInfoFilePath(out, root, account, static_cast<int>(index));
+         }},
+    });
+    const auto inDirectory = [&](const char* name, void (*get)(CQSString&, const char*)) {
+        return Member(name, [=](CQSString& out) { get(out, directory); });
     };
-    const auto addInDirectory = [&](const char* name, auto get) {
-        layout.AddAccount(name, [&](CQSString& out) { get(out, choice.directory.constData()); });
-    };
-    addBelowRoot("GetMsgFilePath", CQPath::GetMsgFilePath);
-    addBelowRoot("GetLoginInfoFilePath", CQPath::GetLoginInfoFilePath);
-    layout.AddAccount("GetCFFilePath", [&](CQSString& out) {
-        CQPath::GetCFFilePath(out, root, choice.account, choice.index);
+    layout.AddAccount({
+        inDirectory("GetEnergySaveFilePath", CQPath::GetEnergySaveFilePath),
+        inDirectory("GetSelfInfoFilePath", CQPath::GetSelfInfoFilePath),
+        inDirectory("GetGroupListFilePath", CQPath::GetGroupListFilePath),
+        inDirectory("GetGroupInfoOkFilePath", CQPath::GetGroupInfoOkFilePath),
+        inDirectory("GetGroupMaskFilePath", CQPath::GetGroupMaskFilePath),
+        {"GetGroupMemberFilePath",
+         [&](CQSString& out) { CQPath::GetGroupMemberFilePath(out, directory, index); }},
+        inDirectory("GetLastLogOutTimeFilePath", CQPath::GetLastLogOutTimeFilePath),
+        inDirectory("GetBuddyRefreshListFilePath", CQPath::GetBuddyRefreshListFilePath),
+        inDirectory("GetBuddylistFilePath", CQPath::GetBuddylistFilePath),
+        inDirectory("GetCFStamplistFilePath", CQPath::GetCFStamplistFilePath),
+        inDirectory("GetBuddyTeamRefreshFilePath", CQPath::GetBuddyTeamRefreshFilePath),
+        inDirectory("GetBuddyTeamFilePath", CQPath::GetBuddyTeamFilePath),
+        inDirectory("GetRecentListFilePath", CQPath::GetRecentListFilePath),
+        inDirectory("GetBlackListFilePath", CQPath::GetBlackListFilePath),
     });
-    layout.AddAccount("GetFileTransInfoFilePath", [&](CQSString& out) {
-        CQPath::GetFileTransInfoFilePath(out, root, choice.account, static_cast<int>(choice.index));
-    });
-    addInDirectory("GetEnergySaveFilePath", CQPath::GetEnergySaveFilePath);
-    addInDirectory("GetSelfInfoFilePath", CQPath::GetSelfInfoFilePath);
-    addInDirectory("GetGroupListFilePath", CQPath::GetGroupListFilePath);
-    addInDirectory("GetGroupInfoOkFilePath", CQPath::GetGroupInfoOkFilePath);
-    addInDirectory("GetGroupMaskFilePath", CQPath::GetGroupMaskFilePath);
-    layout.AddAccount("GetGroupMemberFilePath", [&](CQSString& out) {
-        CQPath::GetGroupMemberFilePath(out, choice.directory.constData(), choice.index);
-    });
-    addInDirectory("GetLastLogOutTimeFilePath", CQPath::GetLastLogOutTimeFilePath);
-    addInDirectory("GetBuddyRefreshListFilePath", CQPath::GetBuddyRefreshListFilePath);
-    addInDirectory("GetBuddylistFilePath", CQPath::GetBuddylistFilePath);
-    addInDirectory("GetCFStamplistFilePath", CQPath::GetCFStamplistFilePath);
-    addInDirectory("GetBuddyTeamRefreshFilePath", CQPath::GetBuddyTeamRefreshFilePath);
-    addInDirectory("GetBuddyTeamFilePath", CQPath::GetBuddyTeamFilePath);
-    addInDirectory("GetRecentListFilePath", CQPath::GetRecentListFilePath);
-    addInDirectory("GetBlackListFilePath", CQPath::GetBlackListFilePath);
 }
 
 Choice ParseChoice(const QCommandLineParser& parser)

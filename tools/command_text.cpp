@@ -96,9 +96,14 @@ QByteArray BytesOf(const QCommandLineParser& parser)
     return bytes;
 }
 
-int Show(const QCommandLineParser& parser, const std::vector<Setter>& setters)
+int Show(const QCommandLineParser& parser, const std::vector<Setter>& setters, int unitSize)
 {
     QByteArray bytes = BytesOf(parser);
+    if (bytes.size() % unitSize != 0) {
+        throw Failure(QStringLiteral("%1 bytes are no whole number of %2-byte units")
+                          .arg(bytes.size())
+                          .arg(unitSize));
+    }
     const bool json = parser.isSet(QStringLiteral("json"));
     QJsonArray rows;
     for (const Setter& setter : setters) {
@@ -128,25 +133,25 @@ void Declare(QCommandLineParser& parser)
 
 int RunUtf8(const QCommandLineParser& parser)
 {
-    return Show(parser, Utf8Setters());
+    return Show(parser, Utf8Setters(), 1);
 }
 
 int RunUtf16(const QCommandLineParser& parser)
 {
-    return Show(parser, Utf16Setters());
+    return Show(parser, Utf16Setters(), 2);
 }
 
 } // namespace
 
 const Command commandUtf8 = {"utf8",
-                             "[FILE]",
+                             " [FILE]",
                              "Show what each setter makes of UTF-8 bytes: result and units.",
                              "orvotool utf8 --hex 'E4 B8 AD 41'",
                              Declare,
                              RunUtf8};
 
 const Command commandUtf16 = {"utf16",
-                              "[FILE]",
+                              " [FILE]",
                               "Show what is made of 16-bit units in the order of the host.",
                               "orvotool utf16 --hex '2D 4E 41 00'",
                               Declare,

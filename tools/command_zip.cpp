@@ -29,7 +29,8 @@ public:
     void Fill(const QByteArray& content)
     {
         if (m_file.write(content) != content.size() || !m_file.flush()) {
-            throw Failure(QStringLiteral("%1: %2").arg(m_file.fileName(), m_file.errorString()));
+            throw Failure(m_file.fileName() +
+                          QStringLiteral(": could not be written (is the disk full?)"));
         }
     }
 
@@ -77,12 +78,12 @@ int RunUnzip(const QCommandLineParser& parser)
     const QString name = InputName(parser);
     QString path = name;
     Scratch scratch;
-    if (name == QLatin1String("-")) {
-        Input input(name);
+    Input input(name); // a Failure where it is missing: CQZipFile would make one
+    const QFileInfo info(name);
+    if (name == QLatin1String("-") || !info.isFile() || !info.isWritable()) {
+        // A pipe is read once, and CQZipFile reads no file that it may not write.
         scratch.Fill(input.ReadAll(longestBlock));
         path = scratch.GetPath();
-    } else {
-        const Input present(name); // a Failure where it is missing: CQZipFile would make one
     }
     QByteArray block;
     CQZipFile zip;
@@ -98,14 +99,14 @@ int RunUnzip(const QCommandLineParser& parser)
 } // namespace
 
 const Command commandZip = {"zip",
-                            "[FILE]",
+                            " [FILE]",
                             "Compress a file or standard input in the client's format.",
                             "orvotool zip -o history.z history.txt",
                             DeclareOut,
                             RunZip};
 
 const Command commandUnzip = {"unzip",
-                              "[FILE]",
+                              " [FILE]",
                               "Take the content out of a compressed file.",
                               "orvotool unzip build/demo/10003/history.z",
                               DeclareUnzip,

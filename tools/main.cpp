@@ -16,7 +16,7 @@ namespace
 
 constexpr char introduction[] = "Looks into the data files of the messaging client and makes them.";
 
-void PrintHelp()
+void PrintSummary()
 {
     std::printf("Usage: orvotool COMMAND [OPTION]... [ARGUMENT]...\n\n%s\n\nCommands:\n",
                 introduction);
@@ -25,25 +25,71 @@ void PrintHelp()
     }
     std::printf("\nOptions:\n"
                 "  -h, --help     Print this help, or that of COMMAND, and exit.\n"
-                "  -v, --version  Print the version and exit.\n\n"
-                "Examples:\n");
-    for (const Command& command : Commands()) {
-        std::printf("  %s\n", command.example);
-    }
-    std::printf("\nExit status: 0 done, 1 something could not be done, 2 wrong usage.\n"
-                "The cipher and MD5 protect nothing by today's standards; they read and write\n"
+                "  --help-all     Print the help of every command and exit.\n"
+                "  -v, --version  Print the version and exit.\n");
+}
+
+void PrintEnd()
+{
+    std::printf("\nExit status:\n"
+                "  0 done, 1 something could not be done, 2 wrong usage.\n"
+                "\nThe cipher and MD5 protect nothing by today's standards; they read and write\n"
                 "existing data.\n");
 }
 
-void PrintHelp(const Command& command, const QCommandLineParser& parser)
+void PrintHelp()
 {
-    std::printf("Usage: orvotool %s [OPTION]... %s\n\n%s\n\nOptions:\n", command.name,
-                command.arguments, command.summary);
+    PrintSummary();
+    std::printf("\nExamples:\n");
+    for (const Command& command : Commands()) {
+        std::printf("  $ %s\n", command.example);
+    }
+    PrintEnd();
+}
+
+const QCommandLineOption& HelpOption()
+{
+    static const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                         QStringLiteral("Print this help and exit."));
+    return help;
+}
+
+void Declare(const Command& command, QCommandLineParser& parser)
+{
+    command.declare(parser);
+    parser.addOption(HelpOption());
+}
+
+/// What a command does with its options and an example, behind the heading that is given.
+void PrintBody(const Command& command, const QCommandLineParser& parser)
+{
+    std::printf("  %s\n\n", command.summary);
     // Behind the parser's own usage line, which knows no commands.
     const QString help = parser.helpText();
     const auto options = help.indexOf(QLatin1String("Options:\n"));
     std::fputs(help.mid(options + 9).toUtf8().constData(), stdout);
-    std::printf("\nExample:\n  %s\n", command.example);
+    std::printf("\n  $ %s\n", command.example);
+}
+
+void PrintHelp(const Command& command, const QCommandLineParser& parser)
+{
+    std::printf("Usage: orvotool %s [OPTION]...%s\n\n", command.name, command.arguments);
+    PrintBody(command, parser);
+}
+
+/// The help of every command. The man page is made of it: an asterisk marks a section, a colon
+/// what stands below it.
+void PrintAllHelp()
+{
+    PrintSummary();
+    std::printf("\n*Commands in detail*\n");
+    for (const Command& command : Commands()) {
+        QCommandLineParser parser;
+        Declare(command, parser);
+        std::printf("\norvotool %s [OPTION]...%s:\n", command.name, command.arguments);
+        PrintBody(command, parser);
+    }
+    PrintEnd();
 }
 
 const Command& FindCommand(const QString& name)
@@ -61,14 +107,11 @@ const Command& FindCommand(const QString& name)
 int RunCommand(const Command& command, const QStringList& arguments)
 {
     QCommandLineParser parser;
-    command.declare(parser);
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Print this help and exit."));
-    parser.addOption(help);
+    Declare(command, parser);
     if (!parser.parse(arguments)) {
         throw UsageError(parser.errorText());
     }
-    if (parser.isSet(help)) {
+    if (parser.isSet(HelpOption())) {
         PrintHelp(command, parser);
         return 0;
     }
@@ -80,6 +123,10 @@ int Run(const QStringList& arguments)
     const QString first = arguments.value(1);
     if (first == QLatin1String("-h") || first == QLatin1String("--help")) {
         PrintHelp();
+        return 0;
+    }
+    if (first == QLatin1String("--help-all")) {
+        PrintAllHelp();
         return 0;
     }
     if (first == QLatin1String("-v") || first == QLatin1String("--version")) {

@@ -7,10 +7,10 @@ _orvotool()
     done
     if [[ -z $command ]]; then
         words=$("$tool" --help 2>/dev/null | sed -n '/^Commands:/,/^$/s/^  \([a-z0-9]*\) .*/\1/p')
-        words+=' --help --version'
+        words+=' --help --help-all --version'
     elif [[ $current == -* ]]; then
         words=$("$tool" "$command" --help 2>/dev/null |
-            sed -n '/^Options:/,/^$/p' | grep -o -e '--[a-z0-9-]*')
+            grep -oE '^ +(-., )?--[a-z0-9-]+' | grep -o -e '--.*')
     else
         compopt -o default # names of files
         return 0

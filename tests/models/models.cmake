@@ -18,8 +18,3 @@ set(ORVO_MODELS
     url
     wide_string
 )
-foreach(model ${ORVO_MODELS})
-    if(NOT EXISTS ${CMAKE_CURRENT_LIST_DIR}/${model}.cpp)
-        list(REMOVE_ITEM ORVO_MODELS ${model})
-    endif()
-endforeach()
