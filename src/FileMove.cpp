@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <new>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -62,7 +63,7 @@ bool CopyWhole(QFile& from, QFile& to)
                         fchmod(to.handle(), info.st_mode & 0777U) == 0 && CopyContent(from, to);
     to.close();
     return copied && to.error() == QFileDevice::NoError &&
-           DiskSync::Directories({QFileInfo(to).absolutePath()});
+           DiskSync::Directory(QFileInfo(to).absolutePath());
 }
 
 bool MoveAcross(const QString& from, const QString& to)
@@ -73,10 +74,15 @@ bool MoveAcross(const QString& from, const QString& to)
         !target.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
         return false;
     }
-    if (CopyWhole(source, target) && QFile::remove(from)) {
-        return true;
+    try {
+        if (CopyWhole(source, target) && source.remove()) {
+            return true;
+        }
+    } catch (const std::bad_alloc&) {
+        target.remove();
+        throw;
     }
-    QFile::remove(to);
+    target.remove();
     return false;
 }
 
