@@ -3,6 +3,7 @@
 #include "BaseUtil.h"
 #include "CCrypt.h"
 #include "CQSString.h"
+#include "CQSStringBuffer.h"
 #include "CQWString.h"
 #include "CSystemCall.h"
 #include "OrvoAssert.h"
@@ -66,6 +67,13 @@ std::array<unsigned char, 16> FileNameKey()
     return key;
 }
 
+/// Unlike the string's own setters it leaves \a name alone without memory; 0 then.
+int Replace(CQSString& name, const unsigned char* bytes, int length)
+{
+    char* const fresh = CQSStringBuffer::NewCopy(reinterpret_cast<const char*>(bytes), length);
+    return fresh != nullptr ? CQSStringBuffer::Adopt(name, fresh, length) : 0;
+}
+
 } // namespace
 
 void CQPath::GetAppDataRoot(CQSString& out)
@@ -105,6 +113,8 @@ void CQPath::GetConfigRoot(CQSString& out)
     name.SetData(const_cast<unsigned char*>(ConfigRoot), sizeof ConfigRoot);
     if (DecodeFileName(name)) {
         CBaseUtil::FormatString(out, "%c%s", Disc(), name.GetDataPtr());
+    } else {
+        out.Empty();
     }
 }
 
@@ -346,10 +356,11 @@ int CQPath::DecodeFileName(CQSString& name)
                         plain.data(), plainLength)) {
         return 0;
     }
-    // Setting no bytes would leave the old ones, so an empty name needs the explicit emptying.
-    name.Empty();
-    name.SetData(plain.data(), plainLength);
-    return 1;
+    if (plainLength == 0) {
+        name.Empty(); // setting no bytes would leave the old ones
+        return 1;
+    }
+    return Replace(name, plain.data(), plainLength);
 }
 
 int CQPath::EncodeFileName(CQSString& name)
@@ -363,6 +374,5 @@ int CQPath::EncodeFileName(CQSString& name)
     int length = 0;
     cipher.Encrypt(reinterpret_cast<const unsigned char*>(name.GetDataPtr()), name.GetLength(),
                    envelope.data(), length);
-    name.SetData(envelope.data(), length);
-    return 1;
+    return Replace(name, envelope.data(), length);
 }

@@ -152,10 +152,10 @@ public:
 
     /// Deciphers a stored name in place: the envelope of CCrypt, algorithm 0, under the
     /// program's own key, for names of up to 256 bytes.
-    /// \return  1 when it was deciphered; 0 when not, with \a name unchanged.
+    /// \return  1 when it was deciphered; 0 when not, or without memory, with \a name unchanged.
     static int DecodeFileName(CQSString& name);
     /// The counterpart, for tools that make stored names: puts a name of 1 to 256 bytes into an
     /// envelope that DecodeFileName() opens. Each call gives other bytes.
-    /// \return  1; 0 for an empty or longer name, with \a name unchanged.
+    /// \return  1; 0 for an empty or longer name and without memory, with \a name unchanged.
     static int EncodeFileName(CQSString& name);
 };

@@ -26,7 +26,8 @@ ORVO_EXPORT void GetUTF8(unsigned char* pDst, const unsigned char* pSrc, int nLe
 /// counts. Nothing for null or a length below 1.
 ORVO_EXPORT void ChangeUnicodeEnd(char* p, int nLen);
 
-/// Seconds since 1970-01-01 00:00:00 UTC as a 32-bit count: negative from January 2038 on.
+/// Seconds since 1970-01-01 00:00:00 UTC as a 32-bit count: negative from January 2038 on. On a
+/// 32-bit host it throws `std::bad_alloc` without memory.
 ORVO_EXPORT int GetCurTime();
 
 /// Returns at once. An empty entry point for code written for the older platform; it must not

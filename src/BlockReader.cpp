@@ -111,10 +111,8 @@ BlockResult InflateInto(QByteArray& block, qint64 capacity, QFile& file, qint64 
     }
 }
 
-} // namespace
-
 // A claim of nothing is taken at its word: the rest is what a longer block has left behind it.
-BlockResult ReadBlock(QFile& file, int maxLength, QByteArray& block)
+BlockResult ReadOrThrow(QFile& file, int maxLength, QByteArray& block)
 {
     std::array<char, lengthFieldSize> field;
     if (file.read(field.data(), lengthFieldSize) != lengthFieldSize) {
@@ -131,8 +129,15 @@ BlockResult ReadBlock(QFile& file, int maxLength, QByteArray& block)
         claimed > std::min((fileSize - lengthFieldSize) * maxExpansion, maxClaim)) {
         return BlockResult::NoBlock;
     }
+    return InflateInto(block, std::min<qint64>(claimed, maxLength), file, fileSize, maxLength);
+}
+
+} // namespace
+
+BlockResult ReadBlock(QFile& file, int maxLength, QByteArray& block)
+{
     try {
-        return InflateInto(block, std::min<qint64>(claimed, maxLength), file, fileSize, maxLength);
+        return ReadOrThrow(file, maxLength, block);
     } catch (const std::bad_alloc&) {
         return BlockResult::NoMemory;
     }

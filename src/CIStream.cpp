@@ -88,6 +88,11 @@ int CIStream::PrepareBuffer(int len)
     return Load(*this, len);
 }
 
+bool HasBuffer(const CIStream& in)
+{
+    return in.m_pBuffer != nullptr;
+}
+
 bool IsRefill(const CIStream& in, const char* dest)
 {
     const std::less_equal<const char*> isUpTo;

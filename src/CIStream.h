@@ -51,6 +51,7 @@ public:
 
 private:
     friend int Load(CIStream& in, int len); // of PrepareBuffer()
+    friend bool HasBuffer(const CIStream& in);
     // Whether LoadBuffer() was given dest by a load that is not the first.
     friend bool IsRefill(const CIStream& in, const char* dest);
 

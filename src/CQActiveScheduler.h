@@ -28,6 +28,9 @@ class CQSchedulerInstance;
 /// pthread_exit(), which puts the worker to rest too. Once an application object has been
 /// destroyed, no more events are posted until there is another; the objects still run.
 ///
+/// Without memory instance() and Add() throw `std::bad_alloc`, and the worker, which then cannot
+/// report a run, ends the process.
+///
 /// In a forked child there is no worker: objects can be added but do not run.
 class ORVO_EXPORT CQActiveScheduler : public QObject
 {

@@ -32,6 +32,8 @@ class QSize;
 /// even by its destructor, so a client may go on using it and deletes it when it is done. An image
 /// that nobody asked for is deleted when the next decode replaces it, but not by the destructor:
 /// fetch the last one. Use a decoder on one thread.
+///
+/// What happens without memory is said of CQImageDecode.
 class ORVO_EXPORT CQBImageDecode
 {
 public:

@@ -12,6 +12,7 @@
 #include <iterator>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace
 {
@@ -102,6 +103,29 @@ void Drop(CMLDataBuf*& cache, quint8& enabled)
     enabled = 0;
 }
 
+// -1 also where the platform has no memory for what it reads ahead.
+qint64 ReadSome(QFile& file, char* buffer, qint64 wanted)
+{
+    try {
+        return file.read(buffer, wanted);
+    } catch (const std::bad_alloc&) {
+        return -1;
+    }
+}
+
+// -1 also where the platform has no memory for what it gathers.
+qint64 WriteThrough(QFile& file, const void* data, qint64 length, bool& failed)
+{
+    try {
+        const qint64 written = file.write(static_cast<const char*>(data), length);
+        const bool flushed = file.flush();
+        failed = failed || !flushed;
+        return written;
+    } catch (const std::bad_alloc&) {
+        return -1;
+    }
+}
+
 // Reads until \a wanted bytes are there, the end is reached or the platform fails. The platform
 // stops short without an error where a failure follows some bytes; only asking again tells that
 // from the end.
@@ -110,7 +134,7 @@ qint64 ReadAll(QFile& file, char* buffer, qint64 wanted, bool& failed)
     qint64 total = 0;
     qint64 count = 0;
     do {
-        count = file.read(buffer + total, wanted - total);
+        count = ReadSome(file, buffer + total, wanted - total);
         total += std::max<qint64>(count, 0);
     } while (count > 0 && total < wanted && !file.isSequential());
     failed = failed || count < 0;
@@ -135,8 +159,8 @@ CQFile::~CQFile()
 
 int CQFile::Open(QString& path, unsigned int mode)
 {
-    path = PathText::Slashed(path);
     m_bFailed = true;
+    path = PathText::Slashed(path);
     if (mode >= std::size(OpenModes)) {
         return 0;
     }
@@ -145,15 +169,21 @@ int CQFile::Open(QString& path, unsigned int mode)
     m_file.setFileName(path);
     m_dirsToSync.clear();
     bool removed = false;
-    // To read, a look at whether it exists is saved where it opens: that cost a fifth of the time.
-    const bool opened = (row.stored == StoredRead && m_file.open(row.flags)) ||
-                        (QFile::exists(path) ? OpenOrReplace(m_file, row.flags, removed)
-                                             : OpenMissing(m_file, row, m_dirsToSync));
-    if (!opened) {
-        return 0;
-    }
-    if (removed) {
-        m_dirsToSync << QFileInfo(path).absolutePath();
+    try {
+        // To read, a look at whether it exists is saved where it opens: that cost a fifth of the
+        // time.
+        const bool opened = (row.stored == StoredRead && m_file.open(row.flags)) ||
+                            (QFile::exists(path) ? OpenOrReplace(m_file, row.flags, removed)
+                                                 : OpenMissing(m_file, row, m_dirsToSync));
+        if (!opened) {
+            return 0;
+        }
+        if (removed) {
+            m_dirsToSync << QFileInfo(path).absolutePath();
+        }
+    } catch (const std::bad_alloc&) {
+        m_file.close(); // the platform may have come as far as to open it
+        throw;
     }
     m_bFailed = removed && m_dwMode != StoredWrite;
     m_bOpened = 1;
@@ -162,8 +192,8 @@ int CQFile::Open(QString& path, unsigned int mode)
 
 int CQFile::Open(const wchar_t* path, unsigned int mode)
 {
+    m_bFailed = true; // before memory is asked for
     if (path == nullptr) {
-        m_bFailed = true;
         return 0;
     }
     QString converted = PathText::FromWide(path);
@@ -172,6 +202,7 @@ int CQFile::Open(const wchar_t* path, unsigned int mode)
 
 int CQFile::Open(CQSString& path, unsigned int mode)
 {
+    m_bFailed = true; // before memory is asked for
     QString converted = QString::fromUtf8(path.GetDataPtr());
     return Open(converted, mode);
 }
@@ -217,11 +248,10 @@ bool CQFile::Sync()
     if (HasCache(m_bCacheEnabled, m_pCache)) {
         WriteOut(*m_pCache, *this);
     }
-    if (!m_file.flush() || !DiskSync::File(m_file.handle()) ||
-        !DiskSync::Directories(m_dirsToSync)) {
-        m_bFailed = true;
-    } else {
+    const bool hadFailed = std::exchange(m_bFailed, true); // an exception is a failure too
+    if (m_file.flush() && DiskSync::File(m_file.handle()) && DiskSync::Directories(m_dirsToSync)) {
         m_dirsToSync.clear();
+        m_bFailed = hadFailed;
     }
     return !m_bFailed;
 }
@@ -271,9 +301,8 @@ unsigned int CQFile::WriteData(const void* data, unsigned int length)
     if (isEmpty) {
         return 0;
     }
-    const qint64 written = m_file.write(static_cast<const char*>(data), Bounded(length));
-    const bool flushed = m_file.flush();
-    m_bFailed = m_bFailed || written != length || !flushed;
+    const qint64 written = WriteThrough(m_file, data, Bounded(length), m_bFailed);
+    m_bFailed = m_bFailed || written != length;
     return Low32(written);
 }
 

@@ -73,9 +73,9 @@ public:
     /// Writes out and frees the cache, then closes the file. Harmless when nothing is open.
     virtual void Close();
     /// Reads up to \a length bytes, at most 2^31 - 1.
-    /// \return  the number of bytes read; 0 at the end, for a platform error, and always from a
-    ///          file opened to append; -1 for null, for a length of 0, when the file is not open
-    ///          or was opened with mode 1.
+    /// \return  the number of bytes read; 0 at the end, for a platform error, of which want of
+    ///          memory is one, and always from a file opened to append; -1 for null, for a length
+    ///          of 0, when the file is not open or was opened with mode 1.
     virtual int Read(void* buffer, unsigned int length);
     /// Writes through the cache if there is one.
     ///
@@ -83,7 +83,8 @@ public:
     /// write is not reported when it fails; data larger than the whole cache then goes to the
     /// file directly. So a write of exactly the free space starts the cache anew.
     /// \return  the number of bytes accepted; 0 for null or a length of 0; -1 when the file is
-    ///          not open or was opened with mode 0, or when the direct write failed.
+    ///          not open or was opened with mode 0, or when the direct write failed, for want of
+    ///          memory too.
     virtual int Write(const void* data, unsigned int length);
     /// Moves the position to \a offset from the start (\a origin 0), the current position (1) or
     /// the end (2). The sum is formed in 32 bits and wraps. Bytes in the cache do not count. 0
@@ -185,7 +186,7 @@ public:
     /// directories with them; a \a path that is a link itself stays, but what it leads to is
     /// emptied. The walk stops at the first entry that cannot be removed; what was removed before
     /// stays removed. It never leaves the directory, even where others replace parts of it by
-    /// links meanwhile. 0 for null and empty.
+    /// links meanwhile. Want of memory stops it in the same way, or throws. 0 for null and empty.
     static int RecursiveDelDir(const wchar_t* path);
     /// Renames or moves a directory, not to another file system; a file as RenameFile() does. 0
     /// when \a from does not exist. The last argument is ignored.
@@ -196,7 +197,8 @@ public:
     /// \param ext   when not empty, only names that end with a dot and this text, any case.
     /// \param list  receives an array of the names, without the directory, or null when there are
     ///              none. The caller frees it as an array.
-    /// \return  the length of the array; 0 for null \a list and without memory.
+    /// \return  the length of the array; 0 for null \a list and without memory. Where the platform
+    ///          lacks memory meanwhile, and so this throws, it may lose a descriptor.
     static int GetDirFileList(CQWString& dir, CQWString& ext, bool withDirs, CQWString** list);
 
 private:

@@ -9,6 +9,10 @@ class TImageMIMETypes;
 /// stand; a backslash is part of a name. A path that begins with ":" is one of Qt's, for data
 /// built into the program, and no file's: write "./:a". A file whose name is not UTF-8 cannot be
 /// named by wide text. Thread-safe on distinct arguments.
+///
+/// Without memory the operations throw `std::bad_alloc`, but that FindShortName() and
+/// FindFileExtName() may instead leave their result without a buffer; for IsImageFile() see
+/// CQImageDecode.
 class ORVO_EXPORT CQFileNameUtil
 {
 public:

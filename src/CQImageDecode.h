@@ -44,6 +44,10 @@ class QImage;
 ///
 /// Images that are not taken stay with the decoder, which deletes them when the next decode
 /// replaces them or when it is destroyed. Use a decoder on one thread.
+///
+/// Without memory a decode throws `std::bad_alloc`, or its image is null. The platform's image code
+/// cannot live without memory, though: it may end the process instead, or keep a lock that no later
+/// decode gets past. A client that has met `std::bad_alloc` here does not decode again.
 class ORVO_EXPORT CQImageDecode
 {
 public:

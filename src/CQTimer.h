@@ -16,7 +16,8 @@ class QTimer;
 ///     timer.StartTimer(&observer, 1, 500, 0);
 ///     QObject::connect(&clock, SIGNAL(timeout()), &timer, SLOT(DoPeriodTask()));
 ///
-/// Use it on the thread that owns it.
+/// Use it on the thread that owns it. Making and starting one throws `std::bad_alloc` without
+/// memory.
 class ORVO_EXPORT CQTimer : public QObject
 {
     Q_OBJECT

@@ -14,16 +14,25 @@
 #include <limits>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include <sys/stat.h>
 
 namespace
 {
 
-std::unique_ptr<QFile> MakeFile(wchar_t const* path)
+// A file and those that were opened before it and are open still. Not by means of parents and
+// children, which take memory that there may not be.
+struct OpenFile : QFile {
+    using QFile::QFile;
+
+    std::unique_ptr<OpenFile> earlier;
+};
+
+std::unique_ptr<OpenFile> MakeFile(wchar_t const* path)
 {
     try {
-        return std::make_unique<QFile>(PathText::FromWide(path));
+        return std::make_unique<OpenFile>(PathText::FromWide(path));
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
@@ -50,21 +59,26 @@ bool MayBeRead(wchar_t const* path)
     }
 }
 
-// Makes pFile the current one. The one before it stays open, as callers know it, and becomes a
-// child of the new one. When it is closed already it goes, and only its own child moves up: the
-// chain never gets longer than the list of open files.
-void Adopt(QFile*& pCurrent, QFile* pFile)
+// Makes the file the current one. The one before it stays open, as callers know it. When it is
+// closed already it goes, and only those before it move up: the chain never gets longer than the
+// list of open files.
+void Adopt(QFile*& pCurrent, std::unique_ptr<OpenFile> file)
 {
-    if (pCurrent != nullptr && pCurrent->isOpen()) {
-        pCurrent->setParent(pFile);
-    } else if (pCurrent != nullptr) {
-        const QObjectList earlierFiles = pCurrent->children();
-        for (QObject* earlier : earlierFiles) {
-            earlier->setParent(pFile);
-        }
-        delete pCurrent;
+    std::unique_ptr<OpenFile> before(static_cast<OpenFile*>(pCurrent));
+    const bool isKept = before != nullptr && before->isOpen();
+    file->earlier = isKept || before == nullptr ? std::move(before) : std::move(before->earlier);
+    pCurrent = file.release();
+}
+
+bool ReplaceContent(const QByteArray& content, const wchar_t* path)
+{
+    try {
+        QSaveFile file;
+        return SafeSave::Open(file, PathText::FromWide(path)) &&
+               file.write(content) == content.size() && SafeSave::Commit(file);
+    } catch (const std::bad_alloc&) {
+        return false;
     }
-    pCurrent = pFile;
 }
 
 } // namespace
@@ -89,11 +103,11 @@ bool CQZipFile::Sync()
     if (m_pFile == nullptr || !m_pFile->isOpen()) {
         return false;
     }
-    if (!m_pFile->flush() || !DiskSync::File(m_pFile->handle()) ||
-        !DiskSync::Directories(m_dirsToSync)) {
-        m_bFailed = true;
-    } else {
+    const bool hadFailed = std::exchange(m_bFailed, true); // an exception is a failure too
+    if (m_pFile->flush() && DiskSync::File(m_pFile->handle()) &&
+        DiskSync::Directories(m_dirsToSync)) {
         m_dirsToSync.clear();
+        m_bFailed = hadFailed;
     }
     return !m_bFailed;
 }
@@ -107,11 +121,11 @@ int CQZipFile::Open(wchar_t const* path)
 {
     m_bFailed = true;
     m_dirsToSync.clear();
-    std::unique_ptr<QFile> file = path != nullptr ? MakeFile(path) : nullptr;
+    std::unique_ptr<OpenFile> file = path != nullptr ? MakeFile(path) : nullptr;
     if (file == nullptr) {
         return 0;
     }
-    Adopt(m_pFile, file.release());
+    Adopt(m_pFile, std::move(file));
     // Not QIODevice::Text, which drops bytes of the value 0x0D on reading.
     if (!m_pFile->open(QIODevice::ReadWrite)) {
         return 0;
@@ -179,10 +193,15 @@ int CQZipFile::Write(unsigned char** data, int* length, wchar_t const* path)
         m_bFailed = true;
         return 0;
     }
-    const qint64 written = m_pFile->write(compressed);
-    const bool flushed = m_pFile->flush();
-    m_bFailed = written != compressed.size() || !flushed;
-    return 1;
+    m_bFailed = true;
+    try {
+        const qint64 written = m_pFile->write(compressed);
+        const bool flushed = m_pFile->flush();
+        m_bFailed = written != compressed.size() || !flushed;
+        return 1;
+    } catch (const std::bad_alloc&) {
+        return 0; // nothing was written: the platform had no memory for what it gathers
+    }
 }
 
 int CQZipFile::Replace(const unsigned char* data, int length, wchar_t const* path)
@@ -192,8 +211,6 @@ int CQZipFile::Replace(const unsigned char* data, int length, wchar_t const* pat
         return 0;
     }
     const QByteArray compressed = CompressedOrEmpty(data, length);
-    QSaveFile file;
-    m_bFailed = compressed.isEmpty() || !SafeSave::Open(file, PathText::FromWide(path)) ||
-                file.write(compressed) != compressed.size() || !SafeSave::Commit(file);
+    m_bFailed = compressed.isEmpty() || !ReplaceContent(compressed, path);
     return m_bFailed ? 0 : 1;
 }

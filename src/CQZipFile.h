@@ -20,7 +20,8 @@ class QFile;
 /// opened, which stays open until the object is destroyed. Use an object on one thread. Every
 /// file is opened for reading and writing, so one that cannot be written cannot be read either.
 ///
-/// Nothing throws but std::bad_alloc out of the platform's handling of paths.
+/// Nothing throws but std::bad_alloc out of the platform's handling of paths, which Replace() takes
+/// for a failure like others.
 class ORVO_EXPORT CQZipFile
 {
 public:
@@ -91,7 +92,7 @@ public:
     bool Sync();
 
 private:
-    QFile* m_pFile; // file of the last Open, or null; earlier ones are its children
+    QFile* m_pFile; // file of the last Open, or null; it owns earlier ones
     bool m_bFailed;
     QStringList m_dirsToSync; // absolute; they got new entries when the file was made
 };

@@ -2,6 +2,7 @@
 
 #include "CQWString.h"
 #include "PathText.h"
+#include "ProcessStart.h"
 #include "SystemTime.h"
 
 #include <QCoreApplication>
@@ -9,22 +10,7 @@
 #include <QProcess>
 #include <QScreen>
 
-namespace
-{
-
-/// Starts a process that does not outlive the call. It is ended here as QProcess's destructor
-/// would end it, but without the warning that it prints.
-void StartAndEnd(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments, QIODevice::ReadWrite);
-    if (process.state() != QProcess::NotRunning) {
-        process.kill();
-        process.waitForFinished();
-    }
-}
-
-} // namespace
+#include <new>
 
 CSystemCall::CSystemCall() = default;
 
@@ -90,9 +76,13 @@ int CSystemCall::OpenResource(CQWString const&)
 
 int CSystemCall::LaunchAppByName(CQWString const& name, CQWString const& dir)
 {
-    StartAndEnd(PathText::FromWide(dir.GetDataPtr()) + QLatin1Char('/') +
-                    PathText::FromWide(name.GetDataPtr()),
-                {});
+    try {
+        StartAndEnd(PathText::FromWide(dir.GetDataPtr()) + QLatin1Char('/') +
+                        PathText::FromWide(name.GetDataPtr()),
+                    {});
+    } catch (const std::bad_alloc&) {
+        return 1; // as when there is no such program
+    }
     return 1;
 }
 
@@ -101,10 +91,14 @@ int CSystemCall::LaunchSysApp(CQWString* command)
     if (command == nullptr) {
         return 1;
     }
-    QStringList arguments = QProcess::splitCommand(PathText::FromWide(command->GetDataPtr()));
-    if (!arguments.isEmpty()) {
-        const QString program = arguments.takeFirst();
-        StartAndEnd(program, arguments);
+    try {
+        QStringList arguments = QProcess::splitCommand(PathText::FromWide(command->GetDataPtr()));
+        if (!arguments.isEmpty()) {
+            const QString program = arguments.takeFirst();
+            StartAndEnd(program, arguments);
+        }
+    } catch (const std::bad_alloc&) {
+        return 1; // as when there is no such program
     }
     return 1;
 }

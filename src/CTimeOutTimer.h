@@ -12,7 +12,8 @@ class MTimeOutNotifier;
 ///     CTimeOutTimer* timer = CTimeOutTimer::NewL(*this);
 ///     timer->After(1500 * 1000);
 ///
-/// Use it on the thread that owns it; that thread's event loop makes it fire.
+/// Use it on the thread that owns it; that thread's event loop makes it fire. Making and arming one
+/// throws `std::bad_alloc` without memory.
 class ORVO_EXPORT CTimeOutTimer : public QObject
 {
 public:

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace OrvoStream
 {
@@ -71,7 +72,9 @@ char* DataInputStream::ReadBytes(int& len)
     if (len < 1) {
         return nullptr;
     }
+    const bool hadFailed = std::exchange(m_bFailed, true); // stays so without memory
     auto bytes = std::make_unique<char[]>(static_cast<std::size_t>(len));
+    m_bFailed = hadFailed;
     const int asked = len;
     len = Read(bytes.get(), asked);
     m_bFailed |= len != asked;

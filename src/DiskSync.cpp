@@ -8,23 +8,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace
-{
-
-bool SyncDirectory(const QString& path)
-{
-    const int descriptor =
-        open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return false;
-    }
-    const bool synced = DiskSync::File(descriptor);
-    close(descriptor);
-    return synced;
-}
-
-} // namespace
-
 bool DiskSync::File(int descriptor)
 {
     int result = 0;
@@ -34,7 +17,19 @@ bool DiskSync::File(int descriptor)
     return result == 0;
 }
 
+bool DiskSync::Directory(const QString& path)
+{
+    const int descriptor =
+        open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool synced = File(descriptor);
+    close(descriptor);
+    return synced;
+}
+
 bool DiskSync::Directories(const QStringList& paths)
 {
-    return std::all_of(paths.cbegin(), paths.cend(), SyncDirectory);
+    return std::all_of(paths.cbegin(), paths.cend(), Directory);
 }

@@ -31,6 +31,15 @@ FileInputStream::~FileInputStream()
     FileInputStream::Close();
 }
 
+int FileInputStream::Read(char* dest, int len)
+{
+    const int count = CIStream::Read(dest, len);
+    if (count < len && dest != nullptr && !HasBuffer(*this)) {
+        m_record = {false, true};
+    }
+    return count;
+}
+
 int FileInputStream::Available()
 {
     // The length of the file is no answer: it is not what is left, and callers count on 0.

@@ -17,7 +17,7 @@ namespace OrvoStream
 /// shows as refused reads, and the open is tried again at each of them. The reads of a stream whose
 /// first open failed are refused for good, though, even when a later one succeeds: it asks only for
 /// as many bytes as had been read. Opening goes through CQFile::Open(), which removes a file that
-/// exists and cannot be opened.
+/// exists and cannot be opened. Nothing throws.
 class ORVO_EXPORT FileInputStream : public CIStream
 {
 public:
@@ -26,6 +26,8 @@ public:
     /// Closes the file.
     ~FileInputStream() override;
 
+    /// As CIStream::Read(); what is refused for want of memory is kept for HasFailed().
+    int Read(char* dest, int len) override;
     /// Always 0, whatever is left: callers cannot learn the remaining length from this stream.
     int Available() override;
     /// Closes the file. What is buffered stays readable; a later load opens the file again and
@@ -35,9 +37,10 @@ public:
     /// for want of memory too.
     int LoadBuffer(char* dest, int len) override;
 
-    /// True once the file could not be opened or read, or is longer than what the first load
-    /// brought and was read on from there: what Read() gives then is not what the file holds. It
-    /// stays so after Close(), until the file is opened anew. The end of the file is no failure.
+    /// True once the file could not be opened or read, also for want of memory, or is longer than
+    /// what the first load brought and was read on from there: what Read() gives then is not what
+    /// the file holds. It stays so after Close(), until the file is opened anew. The end of the
+    /// file is no failure.
     bool HasFailed() const { return m_record.hasFailed; }
 
 private:

@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <new>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -59,7 +60,7 @@ bool CopyWhole(QFile& from, QFile& to)
 {
     struct stat info;
     return fstat(from.handle(), &info) == 0 && fchmod(to.handle(), info.st_mode & 0777U) == 0 &&
-           CopyContent(from, to) && DiskSync::Directories({QFileInfo(to).absolutePath()});
+           CopyContent(from, to) && DiskSync::Directory(QFileInfo(to).absolutePath());
 }
 
 bool MoveAcross(const QString& from, const QString& to)
@@ -70,10 +71,15 @@ bool MoveAcross(const QString& from, const QString& to)
         !target.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
         return false;
     }
-    if (CopyWhole(source, target) && QFile::remove(from)) {
-        return true;
+    try {
+        if (CopyWhole(source, target) && source.remove()) {
+            return true;
+        }
+    } catch (const std::bad_alloc&) {
+        target.remove();
+        throw;
     }
-    QFile::remove(to);
+    target.remove();
     return false;
 }
 

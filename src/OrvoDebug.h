@@ -16,7 +16,9 @@ class QDebug;
 /// that belongs to no UTF-8 character or is a control as \\xHH with two digits; a wide unit that is
 /// no character or does not print as \\uHHHH with four digits, or as \\UHHHHHHHH with eight; line
 /// breaks and tabulators as \\n, \\r and \\t; a quotation mark and a backslash with a backslash
-/// before them. Zero units inside a string are written like any other. May throw `std::bad_alloc`.
+/// before them. Zero units inside a string are written like any other. Without
+/// memory an `std::ostream` is left bad, as by output of its own, and QDebug throws
+/// `std::bad_alloc`.
 
 /// Writes \a text in quotation marks, escaped as the description of this file says.
 /// @{

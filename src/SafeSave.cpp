@@ -26,5 +26,5 @@ bool SafeSave::Commit(QSaveFile& file)
     }
     // Where the path is a link, what it leads to was replaced.
     const QString replaced = QFileInfo(file.fileName()).canonicalFilePath();
-    return DiskSync::Directories({QFileInfo(replaced).path()});
+    return DiskSync::Directory(QFileInfo(replaced).path());
 }
