@@ -96,8 +96,10 @@ struct Timers : testing::Test, CQTimerObserver, MTimeOutNotifier {
         for (auto& timer : QAbstractEventDispatcher::instance()->registeredTimers(timeOut.get())) {
             EXPECT_EQ(Qt::PreciseTimer, timer.timerType) << "others may fire early";
             intervals.push_back(timer.interval);
-            QTimerEvent expiry(timer.timerId);
-            due-- > 0 && QCoreApplication::sendEvent(timeOut.get(), &expiry);
+            if (due-- > 0) {
+                QTimerEvent expiry(timer.timerId);
+                QCoreApplication::sendEvent(timeOut.get(), &expiry);
+            }
         }
         return intervals;
     }

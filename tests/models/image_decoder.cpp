@@ -37,16 +37,15 @@ void CheckSlot(std::unique_ptr<QImage> own, Slot& expected)
 void TakeImages(ByteSource& source, CQImageDecode& decoder, Reference& reference)
 {
     QImage *image = nullptr, *mask = nullptr;
-    const int operation = source.Between(0, 2);
-    if (operation == 0) {
+    MODEL_CHECK(decoder.GetImageFromPng(&image, nullptr) == 0);
+    MODEL_CHECK(decoder.GetImageFromPng(nullptr, &mask) == 0);
+    const int taken = source.Between(0, 2); // the image, both, or neither
+    if (taken == 0) {
         CheckSlot(std::unique_ptr<QImage>(decoder.GetImage()), reference.image);
-    } else if (operation == 1) {
+    } else if (taken == 1) {
         MODEL_CHECK(decoder.GetImageFromPng(&image, &mask) == 1);
         CheckSlot(std::unique_ptr<QImage>(image), reference.image);
         CheckSlot(std::unique_ptr<QImage>(mask), reference.mask);
-    } else {
-        MODEL_CHECK(decoder.GetImageFromPng(&image, nullptr) == 0);
-        MODEL_CHECK(decoder.GetImageFromPng(nullptr, &mask) == 0);
     }
 }
 
