@@ -102,7 +102,7 @@ void CheckOne(const QByteArray& digest, const QString& name, CheckCounts& counts
 void Warn(int count, const char* what)
 {
     if (count > 0) {
-        std::fprintf(stderr, "orvotool md5: %d %s\n", count, what);
+        std::fprintf(stderr, "orvotool md5: %s: %d\n", what, count);
     }
 }
 
@@ -124,9 +124,9 @@ int CheckSums(const QString& listName)
     if (counts.checked == 0) {
         throw Failure(list.GetName() + QStringLiteral(": holds no line of a sum and a name"));
     }
-    Warn(counts.noSums, "lines are no sums");
-    Warn(counts.unreadable, "files could not be read");
-    Warn(counts.different, "computed sums did NOT match");
+    Warn(counts.noSums, "lines that are no sums");
+    Warn(counts.unreadable, "files that could not be read");
+    Warn(counts.different, "computed sums that did NOT match");
     return counts.different + counts.unreadable > 0 ? 1 : 0;
 }
 
