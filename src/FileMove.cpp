@@ -63,6 +63,13 @@ bool CopyWhole(QFile& from, QFile& to)
            CopyContent(from, to) && DiskSync::Directory(QFileInfo(to).absolutePath());
 }
 
+// A file that fails to close is not removed, and one with bytes that cannot be written fails to.
+void RemoveUnfinished(QFile& file)
+{
+    file.close();
+    file.remove();
+}
+
 bool MoveAcross(const QString& from, const QString& to)
 {
     QFile source(from);
@@ -76,10 +83,10 @@ bool MoveAcross(const QString& from, const QString& to)
             return true;
         }
     } catch (const std::bad_alloc&) {
-        target.remove();
+        RemoveUnfinished(target);
         throw;
     }
-    target.remove();
+    RemoveUnfinished(target);
     return false;
 }
 
