@@ -387,11 +387,17 @@ private:
     template <class Value>
     void AppendByQt(Value value)
     {
+        AppendQt(m_out, QString::asprintf(GetConversion().c_str(), m_width, m_precision, value));
+    }
+
+    // The conversion at hand with its sizes as arguments; one copy serves all types of values.
+    [[gnu::noinline]] std::string GetConversion() const
+    {
         std::string conversion("%");
         conversion.append(m_flags, m_flagsEnd);
         conversion += "*.*";
         conversion.append(m_modifierStart, m_next + 1);
-        AppendQt(m_out, QString::asprintf(conversion.c_str(), m_width, m_precision, value));
+        return conversion;
     }
 
     void StoreLength()
