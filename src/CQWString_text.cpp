@@ -45,9 +45,9 @@ int TestAffix(std::wstring_view text, Side side, const wchar_t* lpszSub, Equal e
     return equal(text.substr(nAt, sub.size()), sub) ? 1 : 0;
 }
 
-// Formats n as a terminated text and returns it.
+// Formats n as a terminated text and returns it; one copy serves all its callers.
 template <class Number>
-const wchar_t* FormatNumber(Number n, int nBase, wchar_t (&buffer)[NumberSize])
+[[gnu::noinline]] const wchar_t* FormatNumber(Number n, int nBase, wchar_t (&buffer)[NumberSize])
 {
     char digits[NumberSize];
     const char* pEnd = std::to_chars(digits, digits + NumberSize - 1, n, nBase).ptr;

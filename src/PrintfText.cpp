@@ -290,7 +290,7 @@ private:
     }
 
     // The cases differ in the type that they take. NOLINTBEGIN(bugprone-branch-clone)
-    void AppendReal()
+    [[gnu::cold]] void AppendReal()
     {
         if (m_modifier == Modifier::LongDouble) {
             AppendByQt(va_arg(m_arguments.list, long double));
@@ -384,17 +384,24 @@ private:
         AppendJustified(m_out, m_width, m_isLeft, [&] { m_out.append(unit); });
     }
 
+    // Rare, and slow at the platform's: the compiler is to spend no room on these.
     template <class Value>
-    void AppendByQt(Value value)
+    [[gnu::cold]] void AppendByQt(Value value)
+    {
+        AppendQt(m_out, QString::asprintf(GetConversion().c_str(), m_width, m_precision, value));
+    }
+
+    // The conversion at hand with its sizes as arguments; one copy serves all types of values.
+    [[gnu::cold]] std::string GetConversion() const
     {
         std::string conversion("%");
         conversion.append(m_flags, m_flagsEnd);
         conversion += "*.*";
         conversion.append(m_modifierStart, m_next + 1);
-        AppendQt(m_out, QString::asprintf(conversion.c_str(), m_width, m_precision, value));
+        return conversion;
     }
 
-    void StoreLength()
+    [[gnu::cold]] void StoreLength()
     {
         void* const place = va_arg(m_arguments.list, void*);
         const auto store = [&](auto type) {

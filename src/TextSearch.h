@@ -234,9 +234,11 @@ constexpr std::size_t FalseStart = 16;
 
 /// First occurrence of \a sub, which is not empty, at or after \a from, or npos: what is worth its
 /// preparation in a long text. The platform's own search for bytes is linear too, and faster.
+/// One copy serves all its callers: a call is little beside what it does.
 template <class Unit, class Map>
-std::size_t FindInLongText(std::basic_string_view<Unit> text, std::basic_string_view<Unit> sub,
-                           std::size_t from, Map map)
+[[gnu::noinline]] std::size_t FindInLongText(std::basic_string_view<Unit> text,
+                                             std::basic_string_view<Unit> sub, std::size_t from,
+                                             Map map)
 {
     if constexpr (IsExact<Map> && sizeof(Unit) == 1) {
         const void* const hit =

@@ -80,7 +80,8 @@ public:
     // The character at `p`, whatever stands there. A fourth byte is read as well.
     std::uint32_t Read(const unsigned char* p)
     {
-        const std::uint32_t bytes = p[0] | p[1] << 8 | p[2] << 16 | std::uint32_t{p[3]} << 24;
+        const std::uint32_t bytes = std::uint32_t{p[0]} | std::uint32_t{p[1]} << 8 |
+                                    std::uint32_t{p[2]} << 16 | std::uint32_t{p[3]} << 24;
         const std::uint32_t character =
             (bytes & 0x0F) << 12 | (bytes >> 2 & 0xFC0) | (bytes >> 16 & 0x3F);
         m_foreignBits |= (bytes ^ 0x8080E0) & 0xC0C0F0;

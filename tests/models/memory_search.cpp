@@ -39,6 +39,22 @@ void CheckSearch(const std::string& text, const std::string& pattern)
     check(CBaseUtil::SearchMemNoCase, Lower, pattern.empty());
 }
 
+// Flaws in the middle lead a search by the first and one by both ends of the pattern astray.
+void CheckFlawedPeriod(ByteSource& source)
+{
+    const std::string period = source.Text(3, "aAb") + "a";
+    const auto pieces = [&](int count) {
+        std::string text;
+        for (; count > 0; --count) {
+            text += period;
+            text += source.Between(0, 3) == 0 ? "b" : "";
+        }
+        return text;
+    };
+    const std::string pattern = pieces(source.Between(2, 6));
+    CheckSearch(pieces(60) + pattern, pattern);
+}
+
 QString Slashed(QString text)
 {
     return text.replace('\\', '/');
@@ -194,6 +210,7 @@ void DriveModel(ByteSource& source)
             CheckSearch(source.Text(255, "aaaA") + source.Text(9, "ab"),
                         source.Text(40, "aA") + "b");
             CheckSearch(source.Bytes(40), source.Text(1, "Z[{z@`\xC4\xE4"));
+            CheckFlawedPeriod(source);
         } else if (operation == 1) {
             CheckMarkers(source);
         } else {
