@@ -34,6 +34,18 @@ TEST(BothStrings, AssertionsReportTheLineOfTheirOperation)
     EXPECT_EQ(9U, countLines(CQWString()));
 }
 
+TEST(ByteString, ComparesEveryByteOfALongTextWithoutCase)
+{
+    const auto s = Make<CQSString>(std::string(130, 'a'));
+    std::string other(130, 'A');
+    EXPECT_EQ(0, s.CompareNoCase(other.c_str()));
+    for (char& c : other) {
+        c = 'B';
+        EXPECT_EQ(-1, s.CompareNoCase(other.c_str())) << &c - other.data();
+        c = 'A';
+    }
+}
+
 TEST(ByteString, ReplacesBeyondThePlacesItNotes)
 {
     for (const int count : {512, 513, 1200}) {
