@@ -144,7 +144,10 @@ template <class C>
 TextOf<C> TakeText(ByteSource& source)
 {
     const int kind = source.Between(0, 7);
-    std::string text = kind < 4    ? source.Text(kind < 2 ? 2 : 9, "aAb")
+    std::string text = kind < 4 ? source.Text(kind < 2   ? 2
+                                              : kind < 3 ? 9
+                                                         : 3,
+                                              "aAb")
                        : kind == 4 ? source.Text(5, " \t\r\n  \n\t\v\0\x7F~"s)
                        : kind == 5 ? source.Text(24, "0123456789-afAFx")
                        : kind == 6 ? source.Text(9, "@[`{\xB5\xBF\xC0\xD7\xDE\xDF\xE0\xF7\xFE\xFF")

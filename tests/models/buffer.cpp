@@ -65,6 +65,7 @@ struct Model {
             MODEL_CHECK(buffer.Create(0) + buffer.Create(beyond) + buffer.Create(nullptr, 10) == 0);
             MODEL_CHECK(buffer.Create(own, 0) + buffer.Create(own, beyond) == 0);
             MODEL_CHECK(buffer.Append(nullptr, 1) + buffer.Append(own, ~0UL) == 0);
+            MODEL_CHECK(buffer.Append(own, beyond) == 0);
         } else {
             buffer.Zero();
             *this = {std::string(storage.size(), '\0'), 0};

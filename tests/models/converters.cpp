@@ -8,6 +8,7 @@
 #include <CQWString.h>
 #include <CStrConvertor.h>
 
+#include <QList>
 #include <QVector>
 
 #include <optional>

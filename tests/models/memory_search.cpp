@@ -78,35 +78,40 @@ std::string OtherForm(const std::string& conversion)
         .toStdString();
 }
 
+constexpr char PlainOnes[] = "%4d%s";
+
 // A format of texts, a conversion, two plain ones, and perhaps what looks like one and is none.
 struct Format {
     std::wstring before, between, behind, end;
     std::string conversion, broken;
     bool isOtherForm;
-};
 
-constexpr char PlainOnes[] = "%4d%s";
+    std::wstring Whole(const std::string& form) const
+    {
+        return before + Widened<wchar_t>(form) + between + Widened<wchar_t>(PlainOnes) + behind +
+               Widened<wchar_t>(broken) + end;
+    }
+};
 
 // The arguments are numbers for the stars of the conversion, and its value. The narrow format means
 // what the platform makes of it; a wide one also keeps a U+FEFF that begins a text.
 void CheckFormat(const Format& format, auto... arguments)
 {
-    const auto& [before, between, behind, end, conversion, broken, isOtherForm] = format;
+    const std::string& conversion = format.conversion;
     const char* const text = "-\xC3\xA9";
-    const auto whole = [&](const std::string& form) {
-        return before + Widened<wchar_t>(form) + between + Widened<wchar_t>(PlainOnes) + behind +
-               Widened<wchar_t>(broken) + end;
-    };
-    const std::wstring wideFormat = whole(isOtherForm ? OtherForm(conversion) : conversion);
-    const QByteArray known = Utf16(whole(conversion)).toUtf8();
+    const std::wstring wideFormat =
+        format.Whole(format.isOtherForm ? OtherForm(conversion) : conversion);
+    const QByteArray known = Utf16(format.Whole(conversion)).toUtf8();
     const QString narrow = QString::asprintf(known, arguments..., -7, text);
     CQSString out;
     CBaseUtil::FormatString(out, Utf16(wideFormat).toUtf8().constData(), arguments..., -7, text);
     MODEL_CHECK(Content(out) == Slashed(narrow).toStdString());
 
-    const QString wide = WideLiteral(before) + QString::asprintf(conversion.c_str(), arguments...) +
-                         WideLiteral(between) + QString::asprintf(PlainOnes, -7, text) +
-                         WideLiteral(behind) + QString::fromStdString(broken) + WideLiteral(end);
+    const QString wide = WideLiteral(format.before) +
+                         QString::asprintf(conversion.c_str(), arguments...) +
+                         WideLiteral(format.between) + QString::asprintf(PlainOnes, -7, text) +
+                         WideLiteral(format.behind) + QString::fromStdString(format.broken) +
+                         WideLiteral(format.end);
     CQWString wideOut;
     CBaseUtil::FormatString(wideOut, wideFormat.c_str(), arguments..., -7, text);
     MODEL_CHECK(Content(wideOut) == Slashed(wide).toStdWString());
