@@ -58,11 +58,8 @@ bool CopyContent(QFile& from, QFile& to)
 bool CopyWhole(QFile& from, QFile& to)
 {
     struct stat info;
-    const bool copied = fstat(from.handle(), &info) == 0 &&
-                        fchmod(to.handle(), info.st_mode & 0777U) == 0 && CopyContent(from, to);
-    to.close();
-    return copied && to.error() == QFileDevice::NoError &&
-           DiskSync::Directories({QFileInfo(to).absolutePath()});
+    return fstat(from.handle(), &info) == 0 && fchmod(to.handle(), info.st_mode & 0777U) == 0 &&
+           CopyContent(from, to) && DiskSync::Directories({QFileInfo(to).absolutePath()});
 }
 
 bool MoveAcross(const QString& from, const QString& to)

@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <map>
+
 /// A directory of its own for one test case, current while it lives: names are relative to it.
 class TempDir
 {
@@ -35,20 +37,26 @@ public:
         QFile file(name);
         return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "missing";
     }
-    /// Everything there is, sorted, each with a blank behind it: "name=content" of files, "name/"
-    /// of directories, "name@" of links.
-    std::string All() const
+    /// Everything there is, by name: the content of files, "/" for directories, "@" for links.
+    std::map<std::string, std::string> Entries() const
     {
         constexpr auto all = QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot;
-        QStringList texts;
+        std::map<std::string, std::string> entries;
         for (QDirIterator it(".", all, QDirIterator::Subdirectories); it.hasNext();) {
             const QString name = it.next().mid(2);
-            const QString content = '=' + QString::fromStdString(Get(name));
             const QFileInfo info = it.fileInfo();
-            texts << name + (info.isSymLink() ? "@" : info.isDir() ? "/" : content) + ' ';
+            entries[name.toStdString()] = info.isSymLink() ? "@" : info.isDir() ? "/" : Get(name);
         }
-        texts.sort();
-        return texts.join("").toStdString();
+        return entries;
+    }
+    /// The same in one text, each entry with a blank behind it, and "=" before contents.
+    std::string All() const
+    {
+        std::string text;
+        for (const auto& [name, value] : Entries()) {
+            text += name + (value == "/" || value == "@" ? "" : "=") + value + ' ';
+        }
+        return text;
     }
 
 private:
