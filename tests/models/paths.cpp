@@ -66,12 +66,22 @@ void CheckFileNames(const std::wstring& path)
     const auto dot = std::min(text.rfind(L'.'), text.size());
     const bool hasName = start < text.size(), hasStem = hasName && dot >= start;
     const CQWString whole = Wide(path);
-    CQWString name = Wide(L"old"), stem = name;
-    MODEL_CHECK(CQFile::GetFileName(&whole, name) == hasName);
+    CQWString name = path.empty() ? Wide(L"old") : whole, stem = Wide(L"old");
+    MODEL_CHECK(CQFile::GetFileName(path.empty() ? &whole : &name, name) == hasName);
     MODEL_CHECK(CQFile::GetFileNameWithoutExtension(&whole, stem) == hasStem);
     MODEL_CHECK(Content(name) == (text.empty() ? L"old" : text.substr(start)));
     const std::wstring upToDot = hasStem ? text.substr(start, dot - start) : L"";
     MODEL_CHECK(Content(stem) == (text.empty() ? L"old" : upToDot));
+}
+
+void CheckNextDir(const std::string& path, int from)
+{
+    const auto length = static_cast<int>(path.size());
+    const int start = std::max(from, 3); // behind a drive
+    const auto slash = Slashed(path).find('/', std::size_t(start));
+    const int next = slash == std::string::npos ? length - 1 : static_cast<int>(slash);
+    MODEL_CHECK(CQFileUtils::ParseNextDir(QString::fromStdString(path), from) ==
+                (start >= length ? length : next));
 }
 
 std::string Number(const char* format, int number)
@@ -150,6 +160,7 @@ void DriveModel(ByteSource& source)
         std::wstring wide(text.begin(), text.end());
         wide += source.Flag() ? L"\xFEFF\x1F600" : L"";
         CheckFileNames(wide);
+        CheckNextDir(text, source.Between(-1, 13));
         std::replace(wide.begin(), wide.end(), L':', L'\\'); // which begins no name of a file
         CheckParts(wide);
         const std::string foreign[] = {"", "\xE4\xB8\xAD", "\xF0\x9F\x98\x80"};
