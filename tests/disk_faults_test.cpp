@@ -130,6 +130,7 @@ std::string Zipped(const std::string& text)
 const std::string Old = Lines(3000); // more than the platform gathers before it writes
 const std::string New = Lines(4000);
 const std::string Tail = "tail";
+const std::string ZippedOld = Zipped(Old);
 const std::string ZippedNew = Zipped(New);
 auto* newBytes = reinterpret_cast<unsigned char*>(const_cast<char*>(New.data()));
 int newLength = static_cast<int>(New.size());
@@ -286,8 +287,7 @@ void LayOut(const TempDir& dir)
     QFile::setPermissions("old", QFile::ReadOwner | QFile::WriteOwner);
     dir.Put("tree/a/b/file");
     dir.Put("tree/c");
-    static const std::string zipped = Zipped(Old);
-    dir.Put("zip", QByteArray::fromStdString(zipped));
+    dir.Put("zip", QByteArray::fromStdString(ZippedOld));
 }
 
 Files FilesOf(const TempDir& dir)

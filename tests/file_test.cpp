@@ -77,21 +77,6 @@ TEST(File, OpensMakeDirectoriesAndTakePathsOfEveryForm)
     }
 }
 
-TEST(File, PositionsAre32Bit)
-{
-    const TempDir dir{"file"};
-    CQFile file;
-    ASSERT_EQ(1, file.Open(L"file", Read));
-    EXPECT_EQ(0, file.Seek(INT_MAX, 2)) << "wraps below zero";
-    // Beyond 4 GiB only the low 32 bits of the length count, so this is position 0.
-    ASSERT_TRUE(QFile::resize("file", 0x100000005LL));
-    EXPECT_EQ(5, file.GetLength());
-    EXPECT_EQ(1, file.Seek(-5, 2));
-    char first = 0;
-    EXPECT_EQ(1, file.Read(&first, 1));
-    EXPECT_EQ('x', first);
-}
-
 TEST(File, AFullDiskShowsInLargeWritesOnly)
 {
     const TempDir dir;
@@ -126,17 +111,26 @@ TEST(FileSystem, PathsAreTakenApart)
 
 TEST(FileSystem, LengthsAre32BitAndTakeBackslashesAsTheyAre)
 {
-    const TempDir dir;
-    dir.Put("sub/file", "12345");
-    dir.Put("back\\slash", "");
+    const TempDir dir{"sub/file", "back\\slash"};
     ASSERT_TRUE(QFile::link("none", "dangling"));
-    const CQWString file = QString("sub/file");
-    ExpectAll(5, {F::GetFileLenght(file), F::GetFileLenght(L"sub/", L"file")});
-    ExpectAll(-1, {F::GetFileLenght(L"sub\\file"), F::GetFileLenght(Null),
-                   F::GetFileLenght(Null, file), F::GetFileLenght(L"dangling")});
-    EXPECT_EQ(0, F::GetFileLenght(L"back\\slash"));
-    ASSERT_TRUE(QFile::resize("back\\slash", 0x80000005LL));
-    EXPECT_EQ(-0x7FFFFFFB, F::GetFileLenght(L"back\\slash"));
+    const CQWString path = QString("sub/file");
+    ExpectAll(1, {F::GetFileLenght(path), F::GetFileLenght(L"sub/", L"file"),
+                  F::GetFileLenght(L"back\\slash")});
+    ExpectAll(-1, {F::GetFileLenght(L"sub\\file"), F::GetFileLenght(L"sub\\", L"file"),
+                   F::GetFileLenght(Null), F::GetFileLenght(Null, path),
+                   F::GetFileLenght(L"dangling")});
+    ASSERT_TRUE(QFile::resize("sub/file", 0x180000005LL));
+    EXPECT_EQ(-0x7FFFFFFB, F::GetFileLenght(path));
+    CQFile file;
+    ASSERT_EQ(1, file.Open(path, Read));
+    EXPECT_EQ(-0x7FFFFFFB, file.GetLength());
+    char first = 0;
+    EXPECT_EQ(1, file.Seek(0x7FFFFFFB, 2)) << "to 0: only the low 32 bits of the sum count";
+    EXPECT_EQ(1, file.Read(&first, 1));
+    EXPECT_EQ('x', first);
+    EXPECT_EQ(0, file.Seek(-6, 1)) << "below 0";
+    ASSERT_TRUE(QFile::resize("sub/file", 1));
+    EXPECT_EQ(0, file.Seek(INT_MAX, 2)) << "wraps below 0";
 }
 
 TEST(FileSystem, FilesAreCopiedRenamedAndDeleted)

@@ -9,6 +9,8 @@ namespace
 
 using P = CQPath;
 
+constexpr unsigned int account = 0xFFFFFFFF;
+
 /// What a member writes that takes the string and \a arguments.
 template <typename... Parameters, typename... Arguments>
 std::string Path(void (*member)(CQSString&, Parameters...), Arguments... arguments)
@@ -47,14 +49,32 @@ TEST(Path, OfTheApplication)
               QString::fromStdString(names).replace("/opt/orvoapp/", "~"));
     EXPECT_EQ("/tmp/orvoappdownload/", Path(P::GetDownloadRoot, '\0'));
     EXPECT_EQ("etmp/orvoappdownload/", Path(P::GetDownloadRoot, 'e'));
-    const std::string tollo = "/opt/orvoapp/Browser/tollo";
-    EXPECT_EQ(tollo + "cache_10001.info", Path(P::GetTolloLogCacheFilePath, 10001U));
-    EXPECT_EQ(tollo + "draft_10001.info", Path(P::GetTolloLogDraftFilePath, 10001U));
+    EXPECT_EQ("/tmp/orvoappdownload/Audio/Orvo0000012345.amr",
+              Path(P::GetRecordAudioName, (5ULL << 32) + 12345));
+    EXPECT_EQ("/tmp/orvoappdownload/Audio/Orvo-000000001.amr", Path(P::GetRecordAudioName, ~0ULL));
     CQWString wide;
     P::GetBrowserTmpPic(wide);
     EXPECT_STREQ(L"/opt/orvoapp/meegotmp/TmpOpen.pic", wide);
-    P::GetLastIMEIUploadLogFile(10001, wide);
-    EXPECT_STREQ(L"/opt/orvoapp/10001/hwUl.info", wide);
+    P::GetLastIMEIUploadLogFile(account, wide);
+    EXPECT_STREQ(L"/opt/orvoapp/4294967295/hwUl.info", wide);
+}
+
+TEST(Path, OfAnAccount)
+{
+    const char* const root = "\xF0\x9F\x98\x80\\";
+    EXPECT_EQ("/opt/orvoapp/Browser/tollocache_4294967295.info",
+              Path(P::GetTolloLogCacheFilePath, account));
+    EXPECT_EQ("/opt/orvoapp/Browser/tollodraft_4294967295.info",
+              Path(P::GetTolloLogDraftFilePath, account));
+    EXPECT_EQ("4294967295_0000000005.png", Path(P::GetCFFileName, account, 5U));
+    EXPECT_EQ("\xF0\x9F\x98\x80/4294967295/4294967295_-000000002.png",
+              Path(P::GetCFFilePath, root, account, account - 1));
+    EXPECT_EQ("\xF0\x9F\x98\x80//4294967295/msg.info", Path(P::GetMsgFilePath, root, account));
+    EXPECT_EQ("\xF0\x9F\x98\x80/4294967295/loginInfo.info",
+              Path(P::GetLoginInfoFilePath, root, account));
+    EXPECT_EQ("\xF0\x9F\x98\x80/4294967295/-7.fmsg",
+              Path(P::GetFileTransInfoFilePath, root, account, -7));
+    EXPECT_EQ("d/groupmem4294967295.info", Path(P::GetGroupMemberFilePath, "d", account));
 }
 
 TEST(Path, InADirectoryOfTheCaller)

@@ -118,18 +118,6 @@ void Open(ByteSource& source, CQFile& file, PlainFile& plain)
                 plain.Open(isNull, mode, cacheSize));
 }
 
-void Move(ByteSource& source, CQFile& file, PlainFile& plain)
-{
-    const int offset = source.Between(-60, 60);
-    const auto origin = static_cast<unsigned>(source.Between(0, 5));
-    if (origin < 4) {
-        MODEL_CHECK(file.Seek(offset, origin) == plain.Seek(offset, origin));
-    } else {
-        MODEL_CHECK((origin == 4 ? file.SeekToBegin() : file.SeekToEnd()) ==
-                    plain.Seek(0, origin == 4 ? 0 : 2));
-    }
-}
-
 void Operate(ByteSource& source, CQFile& file, PlainFile& plain)
 {
     const int operation = source.Between(0, 9);
@@ -138,8 +126,14 @@ void Operate(ByteSource& source, CQFile& file, PlainFile& plain)
     } else if (operation == 1) {
         const int size = source.Between(-1, 99);
         MODEL_CHECK(file.SetSize(size) == plain.SetSize(size));
-    } else if (operation < 4) {
-        Move(source, file, plain);
+    } else if (operation == 2) {
+        const auto origin = static_cast<unsigned>(source.Between(0, 3));
+        const int offset = source.Between(-60, 60);
+        MODEL_CHECK(file.Seek(offset, origin) == plain.Seek(offset, origin));
+    } else if (operation == 3) {
+        const bool toEnd = source.Flag();
+        MODEL_CHECK((toEnd ? file.SeekToEnd() : file.SeekToBegin()) ==
+                    plain.Seek(0, toEnd ? 2 : 0));
     } else if (operation < 7) {
         const std::string bytes = source.Bytes(60);
         const auto length = static_cast<unsigned>(bytes.size());

@@ -84,41 +84,6 @@ void CheckNextDir(const std::string& path, int from)
                 (start >= length ? length : next));
 }
 
-std::string Number(const char* format, int number)
-{
-    char text[40];
-    std::snprintf(text, sizeof text, format, number);
-    return text;
-}
-
-template <class... Parameters, class... Arguments>
-void CheckPath(const std::string& expected, void (*member)(CQSString&, Parameters...),
-               Arguments... arguments)
-{
-    CQSString out;
-    out.SetData("old");
-    member(out, arguments...);
-    MODEL_CHECK(Content(out) == Slashed(expected));
-}
-
-void CheckLayout(const std::string& root, std::uint32_t account, std::uint32_t number)
-{
-    const char* const dir = root.c_str();
-    const std::string user = Number("%u", static_cast<int>(account));
-    const std::string ten = Number("%010d", static_cast<int>(number));
-    const std::string picture = user + "_" + ten + ".png";
-    CheckPath(picture, CQPath::GetCFFileName, account, number);
-    CheckPath(root + user + "/" + picture, CQPath::GetCFFilePath, dir, account, number);
-    CheckPath(root + "/" + user + "/msg.info", CQPath::GetMsgFilePath, dir, account);
-    CheckPath(root + user + "/loginInfo.info", CQPath::GetLoginInfoFilePath, dir, account);
-    CheckPath(root + user + "/" + Number("%d", static_cast<int>(number)) + ".fmsg",
-              CQPath::GetFileTransInfoFilePath, dir, account, static_cast<int>(number));
-    CheckPath(root + "/groupmem" + user + ".info", CQPath::GetGroupMemberFilePath, dir, account);
-    CheckPath(root + "/buddylist.info", CQPath::GetBuddylistFilePath, dir);
-    CheckPath("/tmp/orvoappdownload/Audio/Orvo" + ten + ".amr", CQPath::GetRecordAudioName,
-              (1ULL << (account & 63)) * 0x100000000 + number);
-}
-
 CQSString Bytes(std::string text)
 {
     CQSString s;
@@ -163,8 +128,6 @@ void DriveModel(ByteSource& source)
         CheckNextDir(text, source.Between(-1, 13));
         std::replace(wide.begin(), wide.end(), L':', L'\\'); // which begins no name of a file
         CheckParts(wide);
-        const std::string foreign[] = {"", "\xE4\xB8\xAD", "\xF0\x9F\x98\x80"};
-        CheckLayout(text + foreign[source.Between(0, 2)] + "x", source.Word(), source.Word());
         CheckStoredName(std::string(source.Flag() ? 250 : 0, 'x') + source.Bytes(8), source.Flag());
     }
 }
