@@ -349,6 +349,13 @@ TEST(DiskFaults, AFileThatVanishesOrIsSwappedLeadsNowhereElse)
     CQFile file;
     EXPECT_EQ(0, file.Open(L"old", 0));
     EXPECT_TRUE(file.HasFailed());
+    // One that had to be made anew has a new name to wait for, too.
+    interlude = nullptr;
+    Fault noDescriptor{1, EMFILE};
+    fault = &noDescriptor;
+    EXPECT_TRUE(file.Open(L"zip", 1) == 1 && file.Sync());
+    fault = nullptr;
+    EXPECT_EQ(2, noDescriptor.syncs);
     // Between the look at the tree and the step into it, a directory becomes a link.
     interlude = [](const std::string& kind) {
         if (kind == "openat64" && QFileInfo("tree/a/b").isDir() && QDir().rename("tree/a", "a")) {

@@ -70,6 +70,9 @@ TEST(File, OpensMakeDirectoriesAndTakePathsOfEveryForm)
         EXPECT_STREQ(".\\\xC3\xA4", utf8) << "unchanged";
         EXPECT_EQ(mode == Read ? UINT_MAX : 0, file.WriteData(nullptr, 1));
         EXPECT_EQ(-1, file.Read(nullptr, 1));
+        char byte = 0;
+        EXPECT_EQ(0, file.Open(L"d", mode));
+        EXPECT_EQ(mode == Write ? -1 : 0, file.Read(&byte, 1)) << "still counts as open";
         file.Close();
         ExpectAll(0, {file.Seek(0, 0), file.SeekToBegin(), file.SeekToEnd(), file.SetSize(0)});
         EXPECT_EQ(std::string(mode == Read ? "d/ " : "a/ a/b/ a/b/c= d/ socket= ") +
