@@ -379,6 +379,17 @@ TEST(DiskFaults, AFileThatVanishesOrIsSwappedLeadsNowhereElse)
     interlude = nullptr;
 }
 
+TEST(DiskFaults, ARefusedPieceKeepsTheOldContent)
+{
+    const TempDir dir{"old"};
+    CQSaveFile file;
+    EXPECT_EQ(1, file.Open(L".\\old"));
+    EXPECT_EQ(1, file.Write("new", 3));
+    EXPECT_EQ(0, file.Write(nullptr, 1));
+    EXPECT_EQ(0, file.Commit());
+    EXPECT_EQ("old=x ", dir.All());
+}
+
 TEST(DiskFaults, ALimitOnTheSizeOfFilesIsTold)
 {
     const TempDir dir;
