@@ -52,7 +52,7 @@ bool CopyContent(QFile& from, QFile& to)
         }
         copied += count;
     }
-    return count == 0 && copied == from.size() && to.flush() && DiskSync::File(to.handle());
+    return copied == from.size() && to.flush() && DiskSync::File(to.handle());
 }
 
 // The permissions come first: what only its owner may read is never open to others.

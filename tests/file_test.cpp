@@ -11,6 +11,7 @@
 
 #include <QTime>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -69,6 +70,9 @@ TEST(File, OpensMakeDirectoriesAndTakePathsOfEveryForm)
         EXPECT_STREQ(".\\\xC3\xA4", utf8) << "unchanged";
         EXPECT_EQ(mode == Read ? UINT_MAX : 0, file.WriteData(nullptr, 1));
         EXPECT_EQ(-1, file.Read(nullptr, 1));
+        char byte = 0;
+        EXPECT_EQ(0, file.Open(L"d", mode));
+        EXPECT_EQ(mode == Write ? -1 : 0, file.Read(&byte, 1)) << "still counts as open";
         file.Close();
         ExpectAll(0, {file.Seek(0, 0), file.SeekToBegin(), file.SeekToEnd(), file.SetSize(0)});
         EXPECT_EQ(std::string(mode == Read ? "d/ " : "a/ a/b/ a/b/c= d/ socket= ") +
@@ -168,20 +172,28 @@ TEST(FileSystem, DirectoriesAreMadeRenamedAndRemoved)
 TEST(FileSystem, RecursiveDeleteNeverLeavesItsDirectory)
 {
     // Links stay, and the walk stops where one keeps its directory: at B, between a and c.
-    const TempDir dir{"keep",     "w/sub/.hidden", "w/..\\keep/file", "w/empty/", "v/a",
-                      "v/B/file", "v/c",           "u/file"};
+    const TempDir dir{"keep",     "w/sub/.hidden", "w/..\\keep/file", "w/empty/",  "v/a",
+                      "v/B/file", "v/c",           "u/file",          "./:r/file", "to/file"};
     dir.Put("w/" + QString("deep/").repeated(50) + "file");
     MakeSpecial("u/socket", S_IFSOCK);
-    ASSERT_TRUE(QFile::link(dir.Absolute("keep"), "v/B/link"));
+    ASSERT_TRUE(QFile::link(dir.Absolute("keep"), "v/B/link") && QFile::link("to", "link"));
+    rlimit limit;
+    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &limit));
+    const rlimit fewer{40, limit.rlim_max};
+    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &fewer));
     EXPECT_EQ(1, F::RecursiveDelDir(L".\\w"));
-    for (const wchar_t* path : {L"u", L"v", L"w", L"keep", L"", Null}) {
+    setrlimit(RLIMIT_NOFILE, &limit);
+    for (const wchar_t* path : {L"u", L"v", L"w", L"keep", L"link", L":r", L"", Null}) {
         EXPECT_EQ(0, F::RecursiveDelDir(path));
     }
-    EXPECT_EQ("keep=x u/ u/socket=missing v/ v/B/ v/B/link@ v/c=x ", dir.All());
-    MakeSpecial("v/pipe", S_IFIFO);
-    ASSERT_EQ(0, unlink("v/B/link"));
-    EXPECT_EQ(0, F::RecursiveDelDir(L"v"));
-    EXPECT_EQ(0, unlink("v/pipe"));
+    EXPECT_EQ(":r/ :r/file=missing keep=x link@ to/ u/ u/socket=missing v/ v/B/ v/B/link@ v/c=x ",
+              dir.All());
+    unlink("v/B/link");
+    for (const char* const name : {"v/pipe", "v/\xFF"}) {
+        MakeSpecial(name, name[2] == 'p' ? S_IFIFO : S_IFREG);
+        EXPECT_EQ(0, F::RecursiveDelDir(L"v")) << name;
+        EXPECT_EQ(0, unlink(name));
+    }
 }
 
 TEST(FileSystem, ListingsAreSortedByNameIgnoringCase)

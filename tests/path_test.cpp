@@ -61,19 +61,17 @@ TEST(Path, OfTheApplication)
 
 TEST(Path, OfAnAccount)
 {
-    const char* const root = "\xF0\x9F\x98\x80\\";
-    EXPECT_EQ("/opt/orvoapp/Browser/tollocache_4294967295.info",
-              Path(P::GetTolloLogCacheFilePath, account));
-    EXPECT_EQ("/opt/orvoapp/Browser/tollodraft_4294967295.info",
-              Path(P::GetTolloLogDraftFilePath, account));
+    const std::string tollo = "/opt/orvoapp/Browser/tollo";
+    EXPECT_EQ(tollo + "cache_4294967295.info", Path(P::GetTolloLogCacheFilePath, account));
+    EXPECT_EQ(tollo + "draft_4294967295.info", Path(P::GetTolloLogDraftFilePath, account));
     EXPECT_EQ("4294967295_0000000005.png", Path(P::GetCFFileName, account, 5U));
-    EXPECT_EQ("\xF0\x9F\x98\x80/4294967295/4294967295_-000000002.png",
+    const char* const root = "\xE4\xB8\xAD\\";
+    const std::string own = "\xE4\xB8\xAD/4294967295/";
+    EXPECT_EQ(own + "4294967295_-000000002.png",
               Path(P::GetCFFilePath, root, account, account - 1));
-    EXPECT_EQ("\xF0\x9F\x98\x80//4294967295/msg.info", Path(P::GetMsgFilePath, root, account));
-    EXPECT_EQ("\xF0\x9F\x98\x80/4294967295/loginInfo.info",
-              Path(P::GetLoginInfoFilePath, root, account));
-    EXPECT_EQ("\xF0\x9F\x98\x80/4294967295/-7.fmsg",
-              Path(P::GetFileTransInfoFilePath, root, account, -7));
+    EXPECT_EQ(own + "loginInfo.info", Path(P::GetLoginInfoFilePath, root, account));
+    EXPECT_EQ(own + "-7.fmsg", Path(P::GetFileTransInfoFilePath, root, account, -7));
+    EXPECT_EQ("\xE4\xB8\xAD//4294967295/msg.info", Path(P::GetMsgFilePath, root, account));
     EXPECT_EQ("d/groupmem4294967295.info", Path(P::GetGroupMemberFilePath, "d", account));
 }
 

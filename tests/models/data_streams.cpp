@@ -55,7 +55,11 @@ struct Writer : DataOutputStream {
         bytes.append(data, data + len);
         return DataOutputStream::Write(data, len);
     }
+    int Write(int v) override { return DataOutputStream::Write((typed = sizeof v, v)); }
+    int Write(short v) override { return DataOutputStream::Write((typed = sizeof v, v)); }
+    int Write(char v) override { return DataOutputStream::Write((typed = sizeof v, v)); }
     std::string bytes;
+    std::size_t typed = 0; // size of the last integer
 };
 
 struct Point final : ISerializable {
@@ -76,6 +80,7 @@ std::string WriteOne(Writer& out, const Device& device, ByteSource& source)
     std::string text = source.Text(200, "ab");
     const auto streamed = [&](auto value, std::size_t size = sizeof value) {
         MODEL_CHECK(&(out << value) == &out);
+        MODEL_CHECK(std::exchange(out.typed, 0) == size);
         return BytesOf(value).substr(0, size);
     };
     const auto written = [&](auto value) {
@@ -104,8 +109,9 @@ std::string WriteOne(Writer& out, const Device& device, ByteSource& source)
 }
 
 struct Reader : DataInputStream {
-    using DataInputStream::DataInputStream;
-    int Read(char* dest, int len) override { return DataInputStream::Read(dest, asked = len); }
+    explicit Reader(Device& source) : DataInputStream(source), device(source) {}
+    int Read(char* dest, int len) override { return device.Read(dest, asked = len); }
+    Device& device;
     int asked = 0;
 };
 
@@ -139,8 +145,13 @@ void ReadOne(Reader& in, const Device& device, ByteSource& source)
         [&] { CheckItem(in, &DataInputStream::ReadInt, device); },
         [&] { CheckItem(in, &DataInputStream::ReadShort, device); },
         [&] { CheckItem(in, &DataInputStream::ReadChar, device); },
-        [&] { CheckBytes(in, source.Between(-5, 200), device); }};
-    items[source.Between(0, 3)]();
+        [&] { CheckBytes(in, source.Between(-5, 200), device); },
+        [&] {
+            char bytes[9];
+            MODEL_CHECK(in.DataInputStream::Read(bytes, 9) == device.answer);
+            MODEL_CHECK(std::string(bytes, 9) == device.bytes);
+        }};
+    items[source.Between(0, 4)]();
 }
 
 } // namespace
