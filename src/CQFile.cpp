@@ -65,7 +65,6 @@ QStringList DirsWithNewEntries(const QString& path)
     return dirs;
 }
 
-// What takes memory comes before the last open, so that an exception leaves nothing open.
 bool OpenOrReplace(QFile& file, QIODevice::OpenMode flags, bool& removed, QStringList& dirsToSync)
 {
     if (file.open(flags)) {
@@ -174,10 +173,15 @@ int CQFile::Open(QString& path, unsigned int mode)
     m_dirsToSync.clear();
     bool removed = false;
     // To read, a look at whether it exists is saved where it opens: that cost a fifth of the time.
-    const bool opened =
-        (row.stored == StoredRead && m_file.open(row.flags)) ||
-        (QFile::exists(path) ? OpenOrReplace(m_file, row.flags, removed, m_dirsToSync)
-                             : OpenMissing(m_file, row, m_dirsToSync));
+    bool opened = false;
+    try {
+        opened = (row.stored == StoredRead && m_file.open(row.flags)) ||
+                 (QFile::exists(path) ? OpenOrReplace(m_file, row.flags, removed, m_dirsToSync)
+                                      : OpenMissing(m_file, row, m_dirsToSync));
+    } catch (const std::bad_alloc&) {
+        m_file.close(); // Qt 5 throws behind the system's open
+        throw;
+    }
     if (!opened) {
         return 0;
     }
