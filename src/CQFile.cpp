@@ -65,12 +65,15 @@ QStringList DirsWithNewEntries(const QString& path)
     return dirs;
 }
 
-bool OpenOrReplace(QFile& file, QIODevice::OpenMode flags, bool& removed)
+bool OpenOrReplace(QFile& file, QIODevice::OpenMode flags, bool& removed, QStringList& dirsToSync)
 {
     if (file.open(flags)) {
         return true;
     }
     removed = QFile::remove(file.fileName());
+    if (removed) {
+        dirsToSync << QFileInfo(file.fileName()).absolutePath();
+    }
     return file.open(flags);
 }
 
@@ -169,21 +172,18 @@ int CQFile::Open(QString& path, unsigned int mode)
     m_file.setFileName(path);
     m_dirsToSync.clear();
     bool removed = false;
+    // To read, a look at whether it exists is saved where it opens: that cost a fifth of the time.
+    bool opened = false;
     try {
-        // To read, a look at whether it exists is saved where it opens: that cost a fifth of the
-        // time.
-        const bool opened = (row.stored == StoredRead && m_file.open(row.flags)) ||
-                            (QFile::exists(path) ? OpenOrReplace(m_file, row.flags, removed)
-                                                 : OpenMissing(m_file, row, m_dirsToSync));
-        if (!opened) {
-            return 0;
-        }
-        if (removed) {
-            m_dirsToSync << QFileInfo(path).absolutePath();
-        }
+        opened = (row.stored == StoredRead && m_file.open(row.flags)) ||
+                 (QFile::exists(path) ? OpenOrReplace(m_file, row.flags, removed, m_dirsToSync)
+                                      : OpenMissing(m_file, row, m_dirsToSync));
     } catch (const std::bad_alloc&) {
-        m_file.close(); // the platform may have come as far as to open it
+        m_file.close(); // Qt 5 throws behind the system's open
         throw;
+    }
+    if (!opened) {
+        return 0;
     }
     m_bFailed = removed && m_dwMode != StoredWrite;
     m_bOpened = 1;

@@ -53,6 +53,30 @@ std::size_t NameStart(std::wstring_view path)
     return path.find_last_of(L"/\\") + 1; // npos + 1, without a separator, is the start
 }
 
+// Only for an extension with wildcards the platform is asked to choose: where it lacks memory for
+// the comparison of a name, it leaves the name out and says nothing.
+QStringList NamesEndingIn(const QString& ext, const QDir& dir, QDir::Filters kinds)
+{
+    const auto isWild = [](QChar c) {
+        return c == QLatin1Char('*') || c == QLatin1Char('?') || c == QLatin1Char('[');
+    };
+    const QString ending = QLatin1Char('.') + ext;
+    if (std::any_of(ext.cbegin(), ext.cend(), isWild)) {
+        QStringList nameFilters;
+        nameFilters << QLatin1Char('*') + ending;
+        return dir.entryList(nameFilters, kinds | QDir::NoDotAndDotDot);
+    }
+    QStringList names = dir.entryList(kinds | QDir::NoDotAndDotDot);
+    if (!ext.isEmpty()) {
+        names.erase(std::remove_if(names.begin(), names.end(),
+                                   [&](const QString& name) {
+                                       return !name.endsWith(ending, Qt::CaseInsensitive);
+                                   }),
+                    names.end());
+    }
+    return names;
+}
+
 bool StoreNames(const QStringList& names, CQWString* texts)
 {
     return std::all_of(names.cbegin(), names.cend(), [&texts](const QString& name) {
@@ -219,12 +243,9 @@ int CQFile::GetDirFileList(CQWString& dir, CQWString& ext, bool withDirs, CQWStr
     }
     *list = nullptr;
     const auto kinds = withDirs ? QDir::Dirs | QDir::Files : QDir::Filters(QDir::Files);
-    QStringList nameFilters;
-    if (!ext.IsEmpty()) {
-        nameFilters << QLatin1String("*.") + PathText::SlashedFromWide(ext.GetDataPtr());
-    }
-    const QStringList names = QDir(PathText::SlashedFromWide(dir.GetDataPtr()))
-                                  .entryList(nameFilters, kinds | QDir::NoDotAndDotDot);
+    const QStringList names =
+        NamesEndingIn(PathText::SlashedFromWide(ext.GetDataPtr()),
+                      QDir(PathText::SlashedFromWide(dir.GetDataPtr())), kinds);
     if (names.isEmpty()) {
         return 0;
     }

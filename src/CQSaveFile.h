@@ -45,7 +45,7 @@ public:
     /// \return  1 when the new content stands on the disk under its name; 0 when not open and
     ///          after any failure since Open(). The old content then stands untouched, but where
     ///          only the last wait for the disk has failed: then either may be found after a loss
-    ///          of power.
+    ///          of power. Want of memory may leave the new content behind, under another name.
     int Commit();
     /// Whether anything has failed since the last Open(), that open included.
     bool HasFailed() const;

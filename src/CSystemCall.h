@@ -38,7 +38,8 @@ public:
     // Screen, files, application
 
     /// Width and height of the desktop in pixels, all screens together; (0, 0) when there is no
-    /// QGuiApplication. GUI thread. The platform may end the process when it has no memory.
+    /// QGuiApplication. GUI thread. Without memory the platform ends the
+    /// process or throws.
     static QSize GetScreenSizeInPixel();
     /// Expresses a size for display. Up to 1023 bytes in "B"; up to and including 1048576 in "K"
     /// or "KB", so exactly one megabyte is 1024 K; above in "M" or "MB".
