@@ -2,7 +2,6 @@
 
 #include "CQWString.h"
 #include "PathText.h"
-#include "ProcessStart.h"
 #include "SystemTime.h"
 
 #include <QCoreApplication>
@@ -10,7 +9,22 @@
 #include <QProcess>
 #include <QScreen>
 
-#include <new>
+namespace
+{
+
+/// Starts a process that does not outlive the call. It is ended here as QProcess's destructor
+/// would end it, but without the warning that it prints.
+void StartAndEnd(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.start(program, arguments, QIODevice::ReadWrite);
+    if (process.state() != QProcess::NotRunning) {
+        process.kill();
+        process.waitForFinished();
+    }
+}
+
+} // namespace
 
 CSystemCall::CSystemCall() = default;
 
@@ -76,13 +90,9 @@ int CSystemCall::OpenResource(CQWString const&)
 
 int CSystemCall::LaunchAppByName(CQWString const& name, CQWString const& dir)
 {
-    try {
-        StartAndEnd(PathText::FromWide(dir.GetDataPtr()) + QLatin1Char('/') +
-                        PathText::FromWide(name.GetDataPtr()),
-                    {});
-    } catch (const std::bad_alloc&) {
-        return 1; // as when there is no such program
-    }
+    StartAndEnd(PathText::FromWide(dir.GetDataPtr()) + QLatin1Char('/') +
+                    PathText::FromWide(name.GetDataPtr()),
+                {});
     return 1;
 }
 
@@ -91,14 +101,10 @@ int CSystemCall::LaunchSysApp(CQWString* command)
     if (command == nullptr) {
         return 1;
     }
-    try {
-        QStringList arguments = QProcess::splitCommand(PathText::FromWide(command->GetDataPtr()));
-        if (!arguments.isEmpty()) {
-            const QString program = arguments.takeFirst();
-            StartAndEnd(program, arguments);
-        }
-    } catch (const std::bad_alloc&) {
-        return 1; // as when there is no such program
+    QStringList arguments = QProcess::splitCommand(PathText::FromWide(command->GetDataPtr()));
+    if (!arguments.isEmpty()) {
+        const QString program = arguments.takeFirst();
+        StartAndEnd(program, arguments);
     }
     return 1;
 }

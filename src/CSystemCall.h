@@ -13,7 +13,8 @@ class CQWString;
 /// Some do real work. The others are entry points of the older platform that have nothing behind
 /// them here: they ignore their arguments, show nothing, change nothing, and give the fixed
 /// results stated below, on which callers rely. None of them reports failure. None throws but
-/// `std::bad_alloc`: the first GetInstallDisc() and, on a 32-bit host, the time operations.
+/// `std::bad_alloc`: launching, GetScreenSizeInPixel(), the first GetInstallDisc() and, on a 32-bit
+/// host, the time operations.
 class ORVO_EXPORT CSystemCall
 {
 public:
@@ -38,8 +39,7 @@ public:
     // Screen, files, application
 
     /// Width and height of the desktop in pixels, all screens together; (0, 0) when there is no
-    /// QGuiApplication. GUI thread. Without memory the platform ends the
-    /// process or throws.
+    /// QGuiApplication. GUI thread. Without memory the platform ends the process or throws.
     static QSize GetScreenSizeInPixel();
     /// Expresses a size for display. Up to 1023 bytes in "B"; up to and including 1048576 in "K"
     /// or "KB", so exactly one megabyte is 1024 K; above in "M" or "MB".
@@ -56,8 +56,8 @@ public:
     static int OpenResource(CQWString const& name);
 
     // Launching. The process belongs to the call: it is ended when the call returns, as the
-    // platform's process object does when it is destroyed. 1 whatever happens, also without memory
-    // to start it.
+    // platform's process object does when it is destroyed. 1 whatever happens; without
+    // memory the platform throws, waits for ever or ends the process.
 
     /// Starts the program \a dir + "/" + \a name, without arguments.
     static int LaunchAppByName(CQWString const& name, CQWString const& dir);
