@@ -463,7 +463,8 @@ TEST(OutOfMemory, FileObjects)
     };
     // The last wait may be for a new content that has its name already; the platform may leave it
     // behind under another one, and Qt 5 its descriptor too.
-    FailEach<Disk>({"0 * " + inDir, "0 * old=new sub/ sub/a.c=x sub/b.c=x sub/deep/ "},
+    FailEach<Disk>({"0 * old=x *sub/ sub/a.c=x sub/b.c=x sub/deep/ ",
+                    "0 * old=new sub/ sub/a.c=x sub/b.c=x sub/deep/ "},
                    {OP(save(s.save))}, &Row<Disk>::FailAndGoOn);
     FailEach<Disk>({"bad_alloc " + onDisk}, {OP(CQSaveFile().Open(L"old"))});
 }
