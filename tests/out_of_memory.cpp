@@ -1,6 +1,6 @@
 // Every allocation of every operation fails in turn, once and from there on: the operation gives
 // its right result or one of its stated ways out, holds nothing afterwards, and works on the same
-// object as soon as there is memory again.
+// object as soon as there is memory again. Where a number is given, so often memory is asked for.
 
 #include "FailingAllocator.h"
 #include "StringContent.h"
@@ -33,7 +33,7 @@ using Patterns = std::vector<std::string>; // as fnmatch() takes them
 
 // What an operation may leave behind without memory: something of the platform's, or a process
 // that has ended or is locked.
-enum class Leaves { Nothing, Something, AProcess };
+enum Leaves { LeavesNothing, LeavesSomething, LeavesAProcess };
 
 // Allocations, and the lowest free descriptor.
 std::pair<int, int> Held()
@@ -47,16 +47,14 @@ std::pair<int, int> Held()
 std::string Run(auto& subject, const auto& operation, AllocationFault fault = {})
 {
     subject.Prepare();
-    std::string result = "bad_alloc ";
+    std::optional<int> value;
+    currentFault = fault;
     try {
-        currentFault = fault;
-        const int value = operation(subject);
-        currentFault.isOn = false;
-        result = std::to_string(value) + ' ';
+        value = operation(subject);
     } catch (const std::bad_alloc&) {
-        currentFault.isOn = false;
     }
-    result += subject.Tell();
+    currentFault.isOn = false;
+    std::string result = (value ? std::to_string(*value) : "bad_alloc") + ' ' + subject.Tell();
     std::replace(result.begin(), result.end(), '\0', '0'); // fnmatch() would end there
     return result;
 }
@@ -87,37 +85,34 @@ bool Fail(const Patterns& waysOut, const auto& operation, const std::string& exp
         return hasHappened && fnmatch(way.c_str(), told.c_str(), 0) == 0;
     });
     EXPECT_TRUE(told == expected || isStated) << told << " for " << expected;
-    EXPECT_TRUE(leaves == Leaves::AProcess || Run(subject, operation) == expected) << expected;
+    EXPECT_TRUE(leaves == LeavesAProcess || Run(subject, operation) == expected) << expected;
     return hasHappened;
 }
 
 // Fails each allocation of each operation, until one has come to its end without it.
-template <class Subject, Leaves leaves = Leaves::Nothing>
+template <class Subject, Leaves leaves = LeavesNothing, int allocations = -1>
 void Try(const Patterns& waysOut, const auto&... operations)
 {
-    int place = 0;
-    for (const std::function<int(Subject&)>& operation :
-         {std::function<int(Subject&)>(operations)...}) {
-        ++place;
-        const std::string expected = Run(*std::make_unique<Subject>(), operation);
+    const std::vector<std::function<int(Subject&)>> rows{operations...};
+    for (const auto& row : rows) {
+        const std::string expected = Run(*std::make_unique<Subject>(), row);
         AllocationFault fault;
-        const auto fails = [&] {
-            return Fail<Subject>(waysOut, operation, expected, fault, leaves);
-        };
+        const auto fails = [&] { return Fail<Subject>(waysOut, row, expected, fault, leaves); };
         for (const bool isLasting : {false, true}) {
-            fault = {1, isLasting, true, false};
             auto before = Held();
-            while (leaves == Leaves::AProcess ? IsTrueApart(fails) : fails()) {
-                if (leaves == Leaves::Nothing && before != Held()) {
+            fault = {1, isLasting, true, false};
+            for (; leaves == LeavesAProcess ? IsTrueApart(fails) : fails(); ++fault.untilFailure) {
+                if (leaves == LeavesNothing && before != Held()) {
                     before = Held(); // the platform keeps some things, once
                     fails();
                     EXPECT_EQ(before, Held()) << "left behind";
                 }
                 ASSERT_FALSE(testing::Test::HasFailure())
-                    << "operation " << place << (isLasting ? " from" : "") << " allocation "
-                    << fault.untilFailure;
-                ++fault.untilFailure;
+                    << "operation " << &row - rows.data() + 1 << (isLasting ? " from" : "")
+                    << " allocation " << fault.untilFailure;
             }
+            EXPECT_TRUE(allocations < 0 || fault.untilFailure - 1 == allocations)
+                << "operation " << &row - rows.data() + 1 << ": " << fault.untilFailure - 1;
         }
     }
 }
@@ -195,30 +190,35 @@ const std::string onDisk = "' a1 a ' untouched zip=block " + inDir;
 TEST(OutOfMemory, ByteStrings)
 {
     OrvoSetAssertHandler([](const char*, const char*, int) {});
-    Try<Texts>({keptWide}, DO(s.b.AllocBuffer(2)), DO(s.b.AllocCopy(s.b, 2, 1)),
-               OP(s.b.SetData("abc")), OP(s.b.SetData(units, 3)), DO(s.b = longBytes),
-               OP(s.b.AppendChar('c')), OP(s.b.AppendData(s.b.GetDataPtr())),
-               OP(s.b.AppendData(units, 3)), DO(s.b.TrimLeft(1, s.b)), DO(s.b.TrimRight(1, s.b)),
-               DO(s.b.TrimRightAndLeft(1, 1, s.b)), DO(s.b.GetSubString(s.b, 1, 2)),
-               OP(s.b.GetSubString(s.b, "a", "a", 0, 1, 0) * 0),
-               OP(s.b.GetSubString(s.b, ' ', ' ', 0, 0, 1) * 0), DO(s.b.ToString(-7)),
-               DO(s.b.ToString(7U)), DO(s.b.ToHashString(s.b)),
+    Try<Texts, LeavesNothing, 1>(
+        {keptWide}, DO(s.b.AllocBuffer(2)), DO(s.b.AllocCopy(s.b, 2, 1)), OP(s.b.SetData("abc")),
+        OP(s.b.SetData(units, 3)), DO(s.b = longBytes), OP(s.b.AppendChar('c')),
+        OP(s.b.AppendData(s.b.GetDataPtr())), OP(s.b.AppendData(units, 3)),
+        DO(s.b.TrimLeft(1, s.b)), DO(s.b.TrimRight(1, s.b)), DO(s.b.TrimRightAndLeft(1, 1, s.b)),
+        DO(s.b.GetSubString(s.b, 1, 2)), OP(s.b.GetSubString(s.b, "a", "a", 0, 1, 0) * 0),
+        OP(s.b.GetSubString(s.b, ' ', ' ', 0, 0, 1) * 0), DO(s.b.ToString(-7)),
+        DO(s.b.ToString(7U)));
+    Try<Texts>({keptWide}, DO(s.b.ToHashString(s.b)),
                DO(U::FormatString(s.b, "%d %.3f %p %zu", 1, 2.5, "", sizeof 1)),
                DO(U::FormatString(s.b, "%s %2000d", s.b.GetDataPtr(), 1)),
                DO(U::FormatString(s.b, "%s", "\xC3\xA4")), DO(CQPath::GetAppDataRoot(s.b)),
                DO(CQPath::GetMsgFilePath(s.b, "/\xC3\xA4/", 7)), DO(CQPath::GetConfigRoot(s.b)),
                DO(CQPath::GetCommanPhraseFileName(s.b)));
-    Try<Texts>({"0 " + unchanged}, OP(s.b.SetData(&wide)), DO(s.b = longWide), DO(s.b.TrimLeft()),
-               DO(s.b.TrimRight()), DO(s.b.TrimRightAndLeft()), OP(s.b.Replace("a", "bc")),
-               OP(s.b.MakeUpper(), s.b.MakeLower(), s.b.Find("a") + s.b.ToHEX()),
-               OP(CQSString(bytes).GetLength()), OP(CQSString(wide).GetLength()),
-               OP(CQSString(3).GetLength()));
+    Try<Texts, LeavesNothing, 1>({"0 " + unchanged}, OP(s.b.SetData(&wide)), DO(s.b = longWide),
+                                 DO(s.b.TrimLeft()), DO(s.b.TrimRight()),
+                                 DO(s.b.TrimRightAndLeft()), OP(s.b.Replace("a", "bc")),
+                                 OP(CQSString(bytes).GetLength()), OP(CQSString(wide).GetLength()),
+                                 OP(CQSString(3).GetLength()));
+    Try<Texts, LeavesNothing, 0>({}, OP(s.b.MakeUpper(), s.b.MakeLower(), s.b.Find("a")),
+                                 OP(s.b.ToHEX() + s.b.IsEndWith("a")));
+    // Needs one byte more than a 32-bit count tells.
+    Try<Texts, LeavesNothing, 0>({}, DO(EXPECT_EQ(0, CQSString(INT_MAX).GetLength())));
     // Two steps, of which the second one leaves what the first one has made.
     const auto url = Make<CQSString>("x?key= v &b");
-    Try<Texts>({"0 none *", "0 " + unchanged, "0 '255' *", "0 'ab' *"},
-               OP(s.b.SetData("255") & s.b.ToHexString()),
-               OP(s.b.SetData("ab") & s.b.ToHexString()),
-               OP(U::GetArgumentFormURL(url, "key", s.b)));
+    Try<Texts, LeavesNothing, 2>({"0 none *", "0 " + unchanged, "0 '255' *", "0 'ab' *"},
+                                 OP(s.b.SetData("255") & s.b.ToHexString()),
+                                 OP(s.b.SetData("ab") & s.b.ToHexString()));
+    Try<Texts>({"0 none *", "0 " + unchanged}, OP(U::GetArgumentFormURL(url, "key", s.b)));
     Try<Texts>({"0 " + unchanged, "0 '" + std::string(16, '?') + "' *"},
                OP(CQPath::EncodeFileName(s.b) & CQPath::DecodeFileName(s.b)));
 }
@@ -228,26 +228,33 @@ TEST(OutOfMemory, WideStrings)
     const wchar_t* const longer = longWide.GetDataPtr();
     QString qtText = "longer than the buffer";
     const auto malformed = Make<CQSString>("\xFF");
-    Try<Texts>({keptBytes}, DO(s.w.AllocBuffer(2)), OP(s.w.PrepareBufferToWrite(9)),
-               OP(s.w.SetData(longer)), OP(s.w.SetData(longer, 9)), OP(s.w.SetData(units, 8)),
-               OP(s.w.AppendData(longer)), OP(s.w.AppendData(units, 4)), OP(s.w.AppendChar(L'b')),
-               OP(s.w.AppendNum(-7)), DO(s.w = longWide), DO(longWide.AllocCopy(s.w, 9, 1)),
-               DO(longWide.GetSubString(s.w, 1, 9)), DO(s.w.Destroy(), s.w.ToString(-7)),
-               DO(s.w.Destroy(), s.w.ToString(7U)), DO(s.w.Destroy(), s.w.ToStringEx(7)),
-               OP(s.w.Destroy(), wide.GetSubString(s.w, L"a", L"a", 0, 1, 0) * 0),
-               OP(s.w.Destroy(), wide.GetSubString(s.w, L' ', L'a', 0, 0, 1) * 0));
-    Try<Texts>({"0 " + unchanged}, OP(s.w.WCharToUtf16() != nullptr), OP(s.w.Replace(L"a", L"bc")),
-               OP(s.w.DeleteSubString(L"a")),
-               DO(s.w.TrimRightAndLeft(), s.w.MakeUpper(), s.w.MakeLower()),
-               OP(s.w.ToHEX() + s.w.CompareNoCase(L"a") + s.w.IsEndWithNoCase(L"A")),
-               OP(CQWString::EncryptStrToInt(s.w)), OP(CQWString(wide).GetLength()),
-               OP(CQWString(longBytes).GetLength()), OP(CQWString(malformed).GetLength()),
-               OP(CQWString(qtText).GetLength()), OP(CQWString(3).GetDataPtr() != nullptr));
+    // The last two buffers would pass what a 32-bit count tells.
+    Try<Texts, LeavesNothing, 0>({}, OP(s.w.SetData(L"short")), DO(s.w.TrimRightAndLeft()),
+                                 DO(s.w.MakeUpper(), s.w.MakeLower()), OP(s.w.ToHEX()),
+                                 DO(EXPECT_EQ(nullptr, CQWString(0x1FFFFFFF).GetDataPtr())),
+                                 DO(EXPECT_EQ(0, s.w.PrepareBufferToWrite(INT_MAX))));
+    Try<Texts, LeavesNothing, 1>(
+        {keptBytes}, DO(s.w.AllocBuffer(2)), OP(s.w.PrepareBufferToWrite(9)),
+        OP(s.w.SetData(longer)), OP(s.w.SetData(longer, 9)), OP(s.w.SetData(units, 8)),
+        OP(s.w.AppendData(longer)), OP(s.w.AppendData(units, 4)), OP(s.w.AppendChar(L'b')),
+        OP(s.w.AppendNum(-7)), DO(s.w = longWide), DO(longWide.AllocCopy(s.w, 9, 1)),
+        DO(longWide.GetSubString(s.w, 1, 9)), DO(s.w.Destroy(), s.w.ToString(-7)),
+        DO(s.w.Destroy(), s.w.ToString(7U)), DO(s.w.Destroy(), s.w.ToStringEx(7)),
+        OP(s.w.Destroy(), wide.GetSubString(s.w, L"a", L"a", 0, 1, 0) * 0),
+        OP(s.w.Destroy(), wide.GetSubString(s.w, L' ', L'a', 0, 0, 1) * 0));
+    Try<Texts, LeavesNothing, 1>(
+        {"0 " + unchanged}, OP(s.w.WCharToUtf16() != nullptr), OP(s.w.Replace(L"a", L"bc")),
+        OP(CQWString(wide).GetLength()), OP(CQWString::EncryptStrToInt(s.w)),
+        OP(CQWString(longBytes).GetLength()), OP(CQWString(3).GetDataPtr() != nullptr));
+    Try<Texts>({"0 " + unchanged}, OP(s.w.DeleteSubString(L"a")),
+               OP(s.w.CompareNoCase(L"a") + s.w.IsEndWithNoCase(L"A")),
+               OP(CQWString(malformed).GetLength()), OP(CQWString(qtText).GetLength()));
     // The last step of a setter makes the new buffer.
-    Try<Texts>({keptBytes, "0 " + unchanged}, DO(s.w = longBytes), OP(s.w.SeASCIIData(units, 22)),
-               OP(s.w.SetGBKByteData(units, 22)), OP(s.w.SetUTF8Data(units, 22)),
-               OP(s.w.SetUTF16Data(units, 11)), OP(s.w.SetByteData(units, 22) * 0),
-               OP(s.w.SetData(qtText)));
+    Try<Texts, LeavesNothing, 2>({keptBytes, "0 " + unchanged}, DO(s.w = longBytes),
+                                 OP(s.w.SetUTF8Data(units, 22)), OP(s.w.SetUTF16Data(units, 11)));
+    Try<Texts, LeavesNothing, 3>({keptBytes, "0 " + unchanged}, OP(s.w.SeASCIIData(units, 22)));
+    Try<Texts>({keptBytes, "0 " + unchanged}, OP(s.w.SetGBKByteData(units, 22)),
+               OP(s.w.SetByteData(units, 22) * 0), OP(s.w.SetData(qtText)));
     Try<Texts>({keptBytes, "0 ' a1 a ' ''" + rest},
                DO(U::FormatString(s.w, L"%s %d %.3f", "\xC3\xA4", 1, 2.5)),
                DO(U::FormatString(s.w, L"%2000d", 1)),
@@ -387,9 +394,9 @@ TEST(OutOfMemory, FileObjects)
     };
     // The last wait may be for a new content that has its name already; the platform may leave it
     // behind under another one, and Qt 5 its descriptor too.
-    Try<Disk, Leaves::Something>({"0 * old=x *sub/ sub/a.c=x sub/b.c=x sub/deep/ ",
-                                  "0 * old=new sub/ sub/a.c=x sub/b.c=x sub/deep/ "},
-                                 OP(save(s.save)));
+    Try<Disk, LeavesSomething>({"0 * old=x *sub/ sub/a.c=x sub/b.c=x sub/deep/ ",
+                                "0 * old=new sub/ sub/a.c=x sub/b.c=x sub/deep/ "},
+                               OP(save(s.save)));
     Try<Disk>({"bad_alloc " + onDisk}, OP(CQSaveFile().Open(L"old")));
 }
 
@@ -407,8 +414,8 @@ TEST(OutOfMemory, CompressedFiles)
               OP(place = s.Block(), s.zip.Read(&place, &length, L"zip")),
               OP(s.zip.Read(s.Block(), 9, &length, L"zip")), OP(s.zip.Open(L"zip") & s.zip.Sync()));
     // Qt 5 may keep the descriptor of what it leaves behind.
-    Try<Disk, Leaves::Something>({"0 failed " + onDisk + "*", "0 failed *zip=fou " + inDir},
-                                 OP(s.zip.Replace(units, 3, L"zip")));
+    Try<Disk, LeavesSomething>({"0 failed " + onDisk + "*", "0 failed *zip=fou " + inDir},
+                               OP(s.zip.Replace(units, 3, L"zip")));
     Try<Disk>({"0 " + onDisk, "bad_alloc " + onDisk}, OP(write(CQZipFile(), L"zip")));
 }
 
@@ -441,8 +448,8 @@ TEST(OutOfMemory, FileSystem)
         return count;
     };
     // Without memory the platform may lose a descriptor.
-    Try<Disk, Leaves::Something>({"0 *'none' *", "bad_alloc *" + onDisk}, OP(list(all, s.name)),
-                                 OP(list(ext, s.name)));
+    Try<Disk, LeavesSomething>({"0 *'none' *", "bad_alloc *" + onDisk}, OP(list(all, s.name)),
+                               OP(list(ext, s.name)));
 }
 
 TEST(OutOfMemory, FileUtilities)
@@ -474,7 +481,7 @@ TEST(OutOfMemory, SystemCalls)
                OP(S::GetInstallDisc()), OP(S::GetCurrentTime() > 0),
                OP(S::GetCurrentTimeStamp() > 0), OP(S::GetCurrentTimeToInt() != 0),
                OP(S::GetSysTimeBymmSec() >= 0), OP(GetCurTime() > 0));
-    Try<Texts, Leaves::AProcess>({"bad_alloc " + unchanged}, OP(S::GetScreenSizeInPixel().width()));
+    Try<Texts, LeavesAProcess>({"bad_alloc " + unchanged}, OP(S::GetScreenSizeInPixel().width()));
 }
 
 // What the platform's timers and threads take may stay behind.
@@ -495,9 +502,9 @@ TEST(OutOfMemory, Events)
         timer->After(1000000);
         return timer->IsActive();
     };
-    Try<Texts, Leaves::Something>({"bad_alloc " + unchanged},
-                                  DO(CQTimer().StartTimer(&observer, 1, 1000, 0)), OP(after()),
-                                  DO(worker.Add(&idle)));
+    Try<Texts, LeavesSomething>({"bad_alloc " + unchanged},
+                                DO(CQTimer().StartTimer(&observer, 1, 1000, 0)), OP(after()),
+                                DO(worker.Add(&idle)));
 }
 
 struct Pictures {
@@ -528,7 +535,7 @@ struct Pictures {
 TEST(OutOfMemory, Images)
 {
     CQWString png = QString("a.png"), jpg = QString("a.jpg"), bmp = QString("a.bmp");
-    Try<Pictures, Leaves::AProcess>(
+    Try<Pictures, LeavesAProcess>(
         {"1 none", "bad_alloc none", "0 none"}, OP(s.Take(s.decoder->DecodeImgFileL(&png, 1))),
         OP(s.Take(s.decoder->DecodePngFileL(&jpg, 1))),
         OP(s.Take(s.fitting.DecodeImgFile(&bmp, 1, false))), OP(CQFileNameUtil::IsImageFile(png)));
