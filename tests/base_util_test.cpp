@@ -4,13 +4,10 @@
 
 #include <BaseUtil.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <ctime>
-#include <new>
 
 using B = CBaseUtil;
-using namespace std::string_literals;
 
 TEST(FormatString, ReadsEveryKindOfArgumentAsThePlatformDoes)
 {

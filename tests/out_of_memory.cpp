@@ -31,9 +31,9 @@ namespace
     }
 using Patterns = std::vector<std::string>; // as fnmatch() takes them
 
-// What an operation may leave behind without memory: something of the platform's, or a process
-// that has ended or is locked.
-enum Leaves { LeavesNothing, LeavesSomething, LeavesAProcess };
+// How often an operation asks for memory or, where no number is due, what it may leave behind
+// without: something of the platform's, or a process that has ended or is locked.
+enum Demand { LeavesNothing = -1, LeavesSomething = -2, LeavesAProcess = -3 };
 
 // Allocations, and the lowest free descriptor.
 std::pair<int, int> Held()
@@ -76,7 +76,7 @@ bool IsTrueApart(const auto& claim)
 // What becomes of a new subject. With memory again, the operation does what was expected.
 template <class Subject>
 bool Fail(const Patterns& waysOut, const auto& operation, const std::string& expected,
-          AllocationFault fault, Leaves leaves)
+          AllocationFault fault, bool isUsedAgain)
 {
     Subject subject;
     const std::string told = Run(subject, operation, fault);
@@ -85,24 +85,26 @@ bool Fail(const Patterns& waysOut, const auto& operation, const std::string& exp
         return hasHappened && fnmatch(way.c_str(), told.c_str(), 0) == 0;
     });
     EXPECT_TRUE(told == expected || isStated) << told << " for " << expected;
-    EXPECT_TRUE(leaves == LeavesAProcess || Run(subject, operation) == expected) << expected;
+    EXPECT_TRUE(!isUsedAgain || Run(subject, operation) == expected) << expected;
     return hasHappened;
 }
 
 // Fails each allocation of each operation, until one has come to its end without it.
-template <class Subject, Leaves leaves = LeavesNothing, int allocations = -1>
+template <class Subject, int demand = LeavesNothing>
 void Try(const Patterns& waysOut, const auto&... operations)
 {
     const std::vector<std::function<int(Subject&)>> rows{operations...};
     for (const auto& row : rows) {
         const std::string expected = Run(*std::make_unique<Subject>(), row);
         AllocationFault fault;
-        const auto fails = [&] { return Fail<Subject>(waysOut, row, expected, fault, leaves); };
+        const auto fails = [&] {
+            return Fail<Subject>(waysOut, row, expected, fault, demand != LeavesAProcess);
+        };
         for (const bool isLasting : {false, true}) {
             auto before = Held();
             fault = {1, isLasting, true, false};
-            for (; leaves == LeavesAProcess ? IsTrueApart(fails) : fails(); ++fault.untilFailure) {
-                if (leaves == LeavesNothing && before != Held()) {
+            for (; demand == LeavesAProcess ? IsTrueApart(fails) : fails(); ++fault.untilFailure) {
+                if (demand >= LeavesNothing && before != Held()) {
                     before = Held(); // the platform keeps some things, once
                     fails();
                     EXPECT_EQ(before, Held()) << "left behind";
@@ -111,7 +113,7 @@ void Try(const Patterns& waysOut, const auto&... operations)
                     << "operation " << &row - rows.data() + 1 << (isLasting ? " from" : "")
                     << " allocation " << fault.untilFailure;
             }
-            EXPECT_TRUE(allocations < 0 || fault.untilFailure - 1 == allocations)
+            EXPECT_TRUE(demand < 0 || fault.untilFailure - 1 == demand)
                 << "operation " << &row - rows.data() + 1 << ": " << fault.untilFailure - 1;
         }
     }
@@ -190,34 +192,33 @@ const std::string onDisk = "' a1 a ' untouched zip=block " + inDir;
 TEST(OutOfMemory, ByteStrings)
 {
     OrvoSetAssertHandler([](const char*, const char*, int) {});
-    Try<Texts, LeavesNothing, 1>(
-        {keptWide}, DO(s.b.AllocBuffer(2)), DO(s.b.AllocCopy(s.b, 2, 1)), OP(s.b.SetData("abc")),
-        OP(s.b.SetData(units, 3)), DO(s.b = longBytes), OP(s.b.AppendChar('c')),
-        OP(s.b.AppendData(s.b.GetDataPtr())), OP(s.b.AppendData(units, 3)),
-        DO(s.b.TrimLeft(1, s.b)), DO(s.b.TrimRight(1, s.b)), DO(s.b.TrimRightAndLeft(1, 1, s.b)),
-        DO(s.b.GetSubString(s.b, 1, 2)), OP(s.b.GetSubString(s.b, "a", "a", 0, 1, 0) * 0),
-        OP(s.b.GetSubString(s.b, ' ', ' ', 0, 0, 1) * 0), DO(s.b.ToString(-7)),
-        DO(s.b.ToString(7U)));
+    Try<Texts, 1>({keptWide}, DO(s.b.AllocBuffer(2)), DO(s.b.AllocCopy(s.b, 2, 1)),
+                  OP(s.b.SetData("abc")), OP(s.b.SetData(units, 3)), DO(s.b = longBytes),
+                  OP(s.b.AppendChar('c')), OP(s.b.AppendData(s.b.GetDataPtr())),
+                  OP(s.b.AppendData(units, 3)), DO(s.b.TrimLeft(1, s.b)), DO(s.b.TrimRight(1, s.b)),
+                  DO(s.b.TrimRightAndLeft(1, 1, s.b)), DO(s.b.GetSubString(s.b, 1, 2)),
+                  OP(s.b.GetSubString(s.b, "a", "a", 0, 1, 0) * 0),
+                  OP(s.b.GetSubString(s.b, ' ', ' ', 0, 0, 1) * 0), DO(s.b.ToString(-7)),
+                  DO(s.b.ToString(7U)));
     Try<Texts>({keptWide}, DO(s.b.ToHashString(s.b)),
                DO(U::FormatString(s.b, "%d %.3f %p %zu", 1, 2.5, "", sizeof 1)),
                DO(U::FormatString(s.b, "%s %2000d", s.b.GetDataPtr(), 1)),
                DO(U::FormatString(s.b, "%s", "\xC3\xA4")), DO(CQPath::GetAppDataRoot(s.b)),
                DO(CQPath::GetMsgFilePath(s.b, "/\xC3\xA4/", 7)), DO(CQPath::GetConfigRoot(s.b)),
                DO(CQPath::GetCommanPhraseFileName(s.b)));
-    Try<Texts, LeavesNothing, 1>({"0 " + unchanged}, OP(s.b.SetData(&wide)), DO(s.b = longWide),
-                                 DO(s.b.TrimLeft()), DO(s.b.TrimRight()),
-                                 DO(s.b.TrimRightAndLeft()), OP(s.b.Replace("a", "bc")),
-                                 OP(CQSString(bytes).GetLength()), OP(CQSString(wide).GetLength()),
-                                 OP(CQSString(3).GetLength()));
-    Try<Texts, LeavesNothing, 0>({}, OP(s.b.MakeUpper(), s.b.MakeLower(), s.b.Find("a")),
-                                 OP(s.b.ToHEX() + s.b.IsEndWith("a")));
+    Try<Texts, 1>({"0 " + unchanged}, OP(s.b.SetData(&wide)), DO(s.b = longWide),
+                  DO(s.b.TrimLeft()), DO(s.b.TrimRight()), DO(s.b.TrimRightAndLeft()),
+                  OP(s.b.Replace("a", "bc")), OP(CQSString(bytes).GetLength()),
+                  OP(CQSString(wide).GetLength()), OP(CQSString(3).GetLength()));
+    Try<Texts, 0>({}, OP(s.b.MakeUpper(), s.b.MakeLower(), s.b.Find("a")),
+                  OP(s.b.ToHEX() + s.b.IsEndWith("a")));
     // Needs one byte more than a 32-bit count tells.
-    Try<Texts, LeavesNothing, 0>({}, DO(EXPECT_EQ(0, CQSString(INT_MAX).GetLength())));
+    Try<Texts, 0>({}, DO(EXPECT_EQ(0, CQSString(INT_MAX).GetLength())));
     // Two steps, of which the second one leaves what the first one has made.
     const auto url = Make<CQSString>("x?key= v &b");
-    Try<Texts, LeavesNothing, 2>({"0 none *", "0 " + unchanged, "0 '255' *", "0 'ab' *"},
-                                 OP(s.b.SetData("255") & s.b.ToHexString()),
-                                 OP(s.b.SetData("ab") & s.b.ToHexString()));
+    Try<Texts, 2>({"0 none *", "0 " + unchanged, "0 '255' *", "0 'ab' *"},
+                  OP(s.b.SetData("255") & s.b.ToHexString()),
+                  OP(s.b.SetData("ab") & s.b.ToHexString()));
     Try<Texts>({"0 none *", "0 " + unchanged}, OP(U::GetArgumentFormURL(url, "key", s.b)));
     Try<Texts>({"0 " + unchanged, "0 '" + std::string(16, '?') + "' *"},
                OP(CQPath::EncodeFileName(s.b) & CQPath::DecodeFileName(s.b)));
@@ -229,30 +230,30 @@ TEST(OutOfMemory, WideStrings)
     QString qtText = "longer than the buffer";
     const auto malformed = Make<CQSString>("\xFF");
     // The last two buffers would pass what a 32-bit count tells.
-    Try<Texts, LeavesNothing, 0>({}, OP(s.w.SetData(L"short")), DO(s.w.TrimRightAndLeft()),
-                                 DO(s.w.MakeUpper(), s.w.MakeLower()), OP(s.w.ToHEX()),
-                                 DO(EXPECT_EQ(nullptr, CQWString(0x1FFFFFFF).GetDataPtr())),
-                                 DO(EXPECT_EQ(0, s.w.PrepareBufferToWrite(INT_MAX))));
-    Try<Texts, LeavesNothing, 1>(
-        {keptBytes}, DO(s.w.AllocBuffer(2)), OP(s.w.PrepareBufferToWrite(9)),
-        OP(s.w.SetData(longer)), OP(s.w.SetData(longer, 9)), OP(s.w.SetData(units, 8)),
-        OP(s.w.AppendData(longer)), OP(s.w.AppendData(units, 4)), OP(s.w.AppendChar(L'b')),
-        OP(s.w.AppendNum(-7)), DO(s.w = longWide), DO(longWide.AllocCopy(s.w, 9, 1)),
-        DO(longWide.GetSubString(s.w, 1, 9)), DO(s.w.Destroy(), s.w.ToString(-7)),
-        DO(s.w.Destroy(), s.w.ToString(7U)), DO(s.w.Destroy(), s.w.ToStringEx(7)),
-        OP(s.w.Destroy(), wide.GetSubString(s.w, L"a", L"a", 0, 1, 0) * 0),
-        OP(s.w.Destroy(), wide.GetSubString(s.w, L' ', L'a', 0, 0, 1) * 0));
-    Try<Texts, LeavesNothing, 1>(
-        {"0 " + unchanged}, OP(s.w.WCharToUtf16() != nullptr), OP(s.w.Replace(L"a", L"bc")),
-        OP(CQWString(wide).GetLength()), OP(CQWString::EncryptStrToInt(s.w)),
-        OP(CQWString(longBytes).GetLength()), OP(CQWString(3).GetDataPtr() != nullptr));
+    Try<Texts, 0>({}, OP(s.w.SetData(L"short")), DO(s.w.TrimRightAndLeft()),
+                  DO(s.w.MakeUpper(), s.w.MakeLower()), OP(s.w.ToHEX()),
+                  DO(EXPECT_EQ(nullptr, CQWString(0x1FFFFFFF).GetDataPtr())),
+                  DO(EXPECT_EQ(0, s.w.PrepareBufferToWrite(INT_MAX))));
+    Try<Texts, 1>({keptBytes}, DO(s.w.AllocBuffer(2)), OP(s.w.PrepareBufferToWrite(9)),
+                  OP(s.w.SetData(longer)), OP(s.w.SetData(longer, 9)), OP(s.w.SetData(units, 8)),
+                  OP(s.w.AppendData(longer)), OP(s.w.AppendData(units, 4)),
+                  OP(s.w.AppendChar(L'b')), OP(s.w.AppendNum(-7)), DO(s.w = longWide),
+                  DO(longWide.AllocCopy(s.w, 9, 1)), DO(longWide.GetSubString(s.w, 1, 9)),
+                  DO(s.w.Destroy(), s.w.ToString(-7)), DO(s.w.Destroy(), s.w.ToString(7U)),
+                  DO(s.w.Destroy(), s.w.ToStringEx(7)),
+                  OP(s.w.Destroy(), wide.GetSubString(s.w, L"a", L"a", 0, 1, 0) * 0),
+                  OP(s.w.Destroy(), wide.GetSubString(s.w, L' ', L'a', 0, 0, 1) * 0));
+    Try<Texts, 1>({"0 " + unchanged}, OP(s.w.WCharToUtf16() != nullptr),
+                  OP(s.w.Replace(L"a", L"bc")), OP(CQWString(wide).GetLength()),
+                  OP(CQWString::EncryptStrToInt(s.w)), OP(CQWString(longBytes).GetLength()),
+                  OP(CQWString(3).GetDataPtr() != nullptr));
     Try<Texts>({"0 " + unchanged}, OP(s.w.DeleteSubString(L"a")),
                OP(s.w.CompareNoCase(L"a") + s.w.IsEndWithNoCase(L"A")),
                OP(CQWString(malformed).GetLength()), OP(CQWString(qtText).GetLength()));
     // The last step of a setter makes the new buffer.
-    Try<Texts, LeavesNothing, 2>({keptBytes, "0 " + unchanged}, DO(s.w = longBytes),
-                                 OP(s.w.SetUTF8Data(units, 22)), OP(s.w.SetUTF16Data(units, 11)));
-    Try<Texts, LeavesNothing, 3>({keptBytes, "0 " + unchanged}, OP(s.w.SeASCIIData(units, 22)));
+    Try<Texts, 2>({keptBytes, "0 " + unchanged}, DO(s.w = longBytes),
+                  OP(s.w.SetUTF8Data(units, 22)), OP(s.w.SetUTF16Data(units, 11)));
+    Try<Texts, 3>({keptBytes, "0 " + unchanged}, OP(s.w.SeASCIIData(units, 22)));
     Try<Texts>({keptBytes, "0 " + unchanged}, OP(s.w.SetGBKByteData(units, 22)),
                OP(s.w.SetByteData(units, 22) * 0), OP(s.w.SetData(qtText)));
     Try<Texts>({keptBytes, "0 ' a1 a ' ''" + rest},
@@ -299,10 +300,8 @@ TEST(OutOfMemory, UtilitiesAndContainers)
     int objects[2] = {}, calls = 0;
     const auto add = [&] {
         int* const object = &objects[++calls % 2];
-        if (CQInstance::AddWithUid(object, 7) < 0) {
-            return -1;
-        }
-        return CQInstance::RemoveByUid(7) == object ? 0 : -2;
+        const bool isAdded = CQInstance::AddWithUid(object, 7) >= 0;
+        return !isAdded ? -1 : CQInstance::RemoveByUid(7) == object ? 0 : -2;
     };
     for (int growth = 0; growth < 20; ++growth) {
         Try<Texts>({"bad_alloc " + unchanged, "-1 " + unchanged}, OP(add()));
