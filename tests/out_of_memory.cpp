@@ -197,7 +197,7 @@ TEST(OutOfMemory, ByteStrings)
                   OP(s.b.GetSubString(s.b, ' ', ' ', 0, 0, 1) * 0), DO(s.b.ToString(-7)),
                   DO(s.b.ToString(7U)));
     Try<Texts>({keptWide}, DO(s.b.ToHashString(s.b)),
-               DO(U::FormatString(s.b, "%d %.3f %p %zu", 1, 2.5, "", sizeof 1)),
+               DO(U::FormatString(s.b, "%d %.3f %p %zu", 1, 2.5, "", sizeof(int))),
                DO(U::FormatString(s.b, "%s %2000d", s.b.GetDataPtr(), 1)),
                DO(U::FormatString(s.b, "%s", "\xC3\xA4")), DO(CQPath::GetAppDataRoot(s.b)),
                DO(CQPath::GetMsgFilePath(s.b, "/\xC3\xA4/", 7)), DO(CQPath::GetConfigRoot(s.b)),
