@@ -42,12 +42,6 @@ void* OrThrow(void* p)
     return p != nullptr ? p : throw std::bad_alloc();
 }
 
-void* CountedArray(void* p)
-{
-    FailingAllocator::s_liveArrays += p != nullptr ? 1 : 0;
-    return p;
-}
-
 } // namespace
 
 extern "C" {
@@ -90,15 +84,12 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 
 void* operator new[](std::size_t size)
 {
-    return CountedArray(OrThrow(std::malloc(size)));
+    return OrThrow(std::malloc(size));
 }
 
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
 {
-    if (FailingAllocator::s_untilFailure > 0 && --FailingAllocator::s_untilFailure == 0) {
-        return nullptr;
-    }
-    return CountedArray(std::malloc(size));
+    return std::malloc(size);
 }
 
 void operator delete(void* p) noexcept
@@ -113,16 +104,10 @@ void operator delete(void* p, std::size_t) noexcept
 
 void operator delete[](void* p) noexcept
 {
-    FailingAllocator::s_liveArrays -= p != nullptr ? 1 : 0;
     std::free(p);
 }
 
 void operator delete[](void* p, std::size_t) noexcept
 {
-    operator delete[](p);
-}
-
-void operator delete[](void* p, const std::nothrow_t&) noexcept
-{
-    operator delete[](p);
+    std::free(p);
 }

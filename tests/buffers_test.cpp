@@ -1,20 +1,10 @@
 #include "AssertRecorder.h"
-#include "FailingAllocator.h"
 #include "TestPrelude.h"
 
 #include <ByteOrder.h>
 #include <MLDataBuf.h>
 
 using Bytes = std::vector<unsigned char>;
-
-TEST(DataBuf, HasNothingWithoutMemory)
-{
-    CMLDataBuf buffer;
-    const FailingAllocator noMemory(1);
-    EXPECT_EQ(0, buffer.Create(10) + buffer.Append(static_cast<unsigned char>(7)));
-    EXPECT_EQ(nullptr, buffer.GetBuf());
-    EXPECT_EQ(0UL, buffer.GetMaxSize());
-}
 
 TEST(DataBuf, AssertsThePositionToMoveFrom)
 {

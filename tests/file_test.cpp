@@ -1,7 +1,6 @@
 // What the model of the file object does not reach, and the operations without an open file.
 
 #include "AssertRecorder.h"
-#include "FailingAllocator.h"
 #include "TempDir.h"
 #include "TestPrelude.h"
 
@@ -217,22 +216,6 @@ TEST(FileSystem, ListingsAreSortedByNameIgnoringCase)
     EXPECT_EQ(L"A.png b.png C.PNG d.png e.png ", Listing("", "png", true));
     CQWString path;
     EXPECT_EQ(0, F::GetDirFileList(path, path, true, nullptr));
-}
-
-TEST(FileSystem, NoNameIsHandedOutWithoutMemory)
-{
-    const TempDir dir{"a", "b"};
-    CQWString path = QString("x/file"), here = QString("."), name, ext;
-    const int before = FailingAllocator::s_liveArrays;
-    for (const int n : {1, 2, 3}) { // the array and each name
-        const FailingAllocator allocator(n);
-        CQWString* names = &name;
-        EXPECT_EQ(0, F::GetDirFileList(here, ext, false, &names));
-        EXPECT_EQ(nullptr, names);
-    }
-    const FailingAllocator allocator(1);
-    EXPECT_EQ(0, F::GetFileName(&path, name));
-    EXPECT_EQ(before, FailingAllocator::s_liveArrays);
 }
 
 TEST(FileUtils, RepairsRemoveOnlyWhatBlocksThePath)

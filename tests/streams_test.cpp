@@ -1,7 +1,6 @@
 // What neither the models of the streams nor the faults of the disk reach: the state of a file
-// stream between its blocks, a buffer without memory, and the largest position.
+// stream between its blocks, and the largest position.
 
-#include "FailingAllocator.h"
 #include "StringContent.h"
 #include "TempDir.h"
 #include "TestPrelude.h"
@@ -20,25 +19,6 @@ namespace
 const CQWString path(QStringLiteral("file"));
 
 } // namespace
-
-TEST(StreamBases, WithoutMemoryRefuseAndTryAgain)
-{
-    const TempDir dir;
-    FileOutputStream file(path);
-    DataOutputStream out(file);
-    FileInputStream in(path);
-    for (const bool refuses : {true, false}) {
-        const auto allowed = [refuses](auto operation) {
-            const FailingAllocator noMemory(refuses ? 1 : 0);
-            return operation();
-        };
-        EXPECT_EQ(!refuses, allowed([&] { return in.PrepareBuffer(0); }));
-        EXPECT_EQ(!refuses, allowed([&] { return file.PrepareBuffer(0); }));
-        EXPECT_EQ(0, allowed([&] { return out.Write(1); }));
-        EXPECT_TRUE(out.HasFailed());
-        EXPECT_TRUE(file.HasFailed());
-    }
-}
 
 TEST(StreamBases, InputReadsZerosBehindTheLargestPosition)
 {
