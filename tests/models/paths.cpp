@@ -2,6 +2,7 @@
 // touches the disk.
 
 #include "Model.h"
+#include "Texts.h"
 
 #include <CCrypt.h>
 #include <CQFile.h>
@@ -11,24 +12,12 @@
 #include <CQWString.h>
 #include <Orvo/CQPath.h>
 
-#include <algorithm>
 #include <memory>
+
+using namespace std::string_literals;
 
 namespace
 {
-
-CQWString Wide(const std::wstring& text)
-{
-    CQWString s;
-    s.SetData(text.c_str());
-    return s;
-}
-
-template <class String>
-auto Content(const String& s)
-{
-    return std::basic_string(s.GetDataPtr(), s.GetDataPtr() + s.GetLength());
-}
 
 template <class Text>
 Text Slashed(Text text)
@@ -50,7 +39,7 @@ void CheckParts(const std::wstring& path)
     MODEL_CHECK(!ext || ext->toStdWString() == rest);
     const std::unique_ptr<QString> withoutExt(CQFileUtils::FileNameWithoutExt(text));
     MODEL_CHECK(withoutExt->toStdWString() == stem);
-    CQWString shortName = Wide(L"old"), extension = Wide(path);
+    CQWString shortName = Holding<CQWString>(L"old"s), extension = Holding<CQWString>(path);
     CQFileNameUtil::FindShortName(extension, shortName);
     MODEL_CHECK(Content(shortName) == stem);
     CQFileNameUtil::FindFileExtName(extension, extension);
@@ -65,8 +54,9 @@ void CheckFileNames(const std::wstring& path)
     const auto start = text.rfind(L'/') + 1;
     const auto dot = std::min(text.rfind(L'.'), text.size());
     const bool hasName = start < text.size(), hasStem = hasName && dot >= start;
-    const CQWString whole = Wide(path);
-    CQWString name = path.empty() ? Wide(L"old") : whole, stem = Wide(L"old");
+    const CQWString whole = Holding<CQWString>(path);
+    CQWString name = path.empty() ? Holding<CQWString>(L"old"s) : whole,
+              stem = Holding<CQWString>(L"old"s);
     MODEL_CHECK(CQFile::GetFileName(path.empty() ? &whole : &name, name) == hasName);
     MODEL_CHECK(CQFile::GetFileNameWithoutExtension(&whole, stem) == hasStem);
     MODEL_CHECK(Content(name) == (text.empty() ? L"old" : text.substr(start)));
@@ -84,13 +74,6 @@ void CheckNextDir(const std::string& path, int from)
                 (start >= length ? length : next));
 }
 
-CQSString Bytes(std::string text)
-{
-    CQSString s;
-    s.SetData(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));
-    return s;
-}
-
 // Enveloped by the cipher itself under the program's key, and by the counterpart.
 void CheckStoredName(const std::string& name, bool isAltered)
 {
@@ -104,11 +87,11 @@ void CheckStoredName(const std::string& name, bool isAltered)
                    length);
     envelope.resize(static_cast<std::size_t>(length));
     envelope.back() ^= isAltered ? '@' : '\0';
-    CQSString stored = Bytes(envelope);
+    CQSString stored = Holding<CQSString>(envelope);
     const bool isRead = !isAltered && name.size() <= 256;
     MODEL_CHECK(CQPath::DecodeFileName(stored) == isRead);
     MODEL_CHECK(Content(stored) == (isRead ? name : envelope));
-    CQSString made = Bytes(name);
+    CQSString made = Holding<CQSString>(name);
     const bool isMade = !name.empty() && name.size() <= 256;
     MODEL_CHECK(CQPath::EncodeFileName(made) == isMade);
     MODEL_CHECK((Content(made) != name) == isMade);
