@@ -167,8 +167,10 @@ bool Save(const char* tail)
     CQSaveFile file;
     file.Open(L".\\old");
     file.Write(newBytes, static_cast<unsigned int>(newLength));
-    file.Write(tail, 4);
-    return file.Commit() == 1;
+    const bool isWritten = file.Write(tail, 4) == 1;
+    const bool isCommitted = file.Commit() == 1;
+    EXPECT_TRUE(tail == nullptr ? !isWritten : isWritten || !isCommitted);
+    return isCommitted;
 }
 
 bool ReadStream()

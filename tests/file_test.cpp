@@ -91,11 +91,6 @@ TEST(File, AFullDiskShowsInLargeWritesOnly)
     const std::string large(20480, 'x');
     EXPECT_EQ(UINT_MAX, file.WriteData(large.data(), 20480));
     EXPECT_EQ(-1, file.Write(large.data(), 20480));
-    ASSERT_EQ(1, file.OpenWithWriteCache(L"full", Append, 9));
-    EXPECT_EQ(3, file.Write("abc", 3));
-    EXPECT_FALSE(file.HasFailed());
-    file.Close();
-    EXPECT_TRUE(file.HasFailed());
 }
 
 TEST(FileSystem, PathsAreTakenApart)
