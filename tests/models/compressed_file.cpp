@@ -93,12 +93,9 @@ void CompareReads(const std::optional<std::string>& block)
 // A compressed block with a few bytes changed, dropped or added.
 std::string Damaged(ByteSource& source)
 {
-    const std::string pattern = source.Bytes(20);
-    std::string block;
-    for (int repeats = source.Between(0, 200) * source.Between(0, 9); repeats > 0; --repeats) {
-        block += pattern;
-    }
-    std::string stored = Compressed(block);
+    const QByteArray pattern = QByteArray::fromStdString(source.Bytes(20));
+    const int repeats = source.Between(0, 200) * source.Between(0, 9);
+    std::string stored = Compressed(pattern.repeated(repeats).toStdString());
     for (int changes = source.Between(0, 3); changes > 0; --changes) {
         const auto at = static_cast<std::size_t>(
             source.Between(0, std::min(255, static_cast<int>(stored.size()))));

@@ -31,15 +31,14 @@ void CheckParts(const std::wstring& path)
 {
     const std::wstring name = path.substr(path.rfind(L'/') + 1);
     const auto dot = std::min(name.find(L'.'), name.size());
-    const std::wstring stem = name.substr(0, dot),
-                       rest = name.substr(std::min(dot + 1, name.size()));
+    const auto stem = name.substr(0, dot), rest = name.substr(std::min(dot + 1, name.size()));
     const QString text = QString::fromStdWString(L"d/" + path); // U+FEFF never first
     const std::unique_ptr<QString> ext(CQFileUtils::Ext(text));
     MODEL_CHECK((ext != nullptr) == (dot < name.size()));
     MODEL_CHECK(!ext || ext->toStdWString() == rest);
     const std::unique_ptr<QString> withoutExt(CQFileUtils::FileNameWithoutExt(text));
     MODEL_CHECK(withoutExt->toStdWString() == stem);
-    CQWString shortName = Holding<CQWString>(L"old"s), extension = Holding<CQWString>(path);
+    auto shortName = Holding<CQWString>(L"old"s), extension = Holding<CQWString>(path);
     CQFileNameUtil::FindShortName(extension, shortName);
     MODEL_CHECK(Content(shortName) == stem);
     CQFileNameUtil::FindFileExtName(extension, extension);
@@ -54,9 +53,8 @@ void CheckFileNames(const std::wstring& path)
     const auto start = text.rfind(L'/') + 1;
     const auto dot = std::min(text.rfind(L'.'), text.size());
     const bool hasName = start < text.size(), hasStem = hasName && dot >= start;
-    const CQWString whole = Holding<CQWString>(path);
-    CQWString name = path.empty() ? Holding<CQWString>(L"old"s) : whole,
-              stem = Holding<CQWString>(L"old"s);
+    auto whole = Holding<CQWString>(path), stem = Holding<CQWString>(L"old"s);
+    CQWString name = path.empty() ? stem : whole;
     MODEL_CHECK(CQFile::GetFileName(path.empty() ? &whole : &name, name) == hasName);
     MODEL_CHECK(CQFile::GetFileNameWithoutExtension(&whole, stem) == hasStem);
     MODEL_CHECK(Content(name) == (text.empty() ? L"old" : text.substr(start)));
@@ -79,19 +77,16 @@ void CheckStoredName(const std::string& name, bool isAltered)
 {
     unsigned char key[] = {0x8E, 0xA7, 0xC8, 0x31, 0x22, 0xDB, 0x9C, 0xA5,
                            0x36, 0x8F, 0xF0, 0x99, 0xCA, 0xC3, 0xC4, 0x0D};
-    const CCrypt cipher(key, 0, 0);
-    std::string envelope(name.size() + 24, '\0');
+    std::string envelope = name + std::string(24, '\0');
+    auto* const bytes = reinterpret_cast<unsigned char*>(envelope.data());
     int length = 0;
-    cipher.Encrypt(reinterpret_cast<const unsigned char*>(name.data()),
-                   static_cast<int>(name.size()), reinterpret_cast<unsigned char*>(envelope.data()),
-                   length);
+    CCrypt(key, 0, 0).Encrypt(bytes, static_cast<int>(name.size()), bytes, length);
     envelope.resize(static_cast<std::size_t>(length));
     envelope.back() ^= isAltered ? '@' : '\0';
-    CQSString stored = Holding<CQSString>(envelope);
+    auto stored = Holding<CQSString>(envelope), made = Holding<CQSString>(name);
     const bool isRead = !isAltered && name.size() <= 256;
     MODEL_CHECK(CQPath::DecodeFileName(stored) == isRead);
     MODEL_CHECK(Content(stored) == (isRead ? name : envelope));
-    CQSString made = Holding<CQSString>(name);
     const bool isMade = !name.empty() && name.size() <= 256;
     MODEL_CHECK(CQPath::EncodeFileName(made) == isMade);
     MODEL_CHECK((Content(made) != name) == isMade);
