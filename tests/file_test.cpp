@@ -115,10 +115,9 @@ TEST(FileSystem, LengthsAre32BitAndTakeBackslashesAsTheyAre)
                    F::GetFileLenght(Null), F::GetFileLenght(Null, path),
                    F::GetFileLenght(L"dangling")});
     ASSERT_TRUE(QFile::resize("sub/file", 0x180000005LL));
-    EXPECT_EQ(-0x7FFFFFFB, F::GetFileLenght(path));
     CQFile file;
     ASSERT_EQ(1, file.Open(path, Read));
-    EXPECT_EQ(-0x7FFFFFFB, file.GetLength());
+    ExpectAll(-0x7FFFFFFB, {F::GetFileLenght(path), file.GetLength()});
     char first = 0;
     EXPECT_EQ(1, file.Seek(0x7FFFFFFB, 2)) << "to 0: only the low 32 bits of the sum count";
     EXPECT_EQ(1, file.Read(&first, 1));

@@ -1,6 +1,7 @@
 // The envelope against its format written out block by block.
 
 #include "Model.h"
+#include "Texts.h"
 
 #include <CCrypt.h>
 #include <TeaBlock.h>
@@ -10,11 +11,6 @@
 
 namespace
 {
-
-unsigned char* Unsigned(std::string& bytes)
-{
-    return reinterpret_cast<unsigned char*>(bytes.data());
-}
 
 struct Cipher {
     std::string key;

@@ -78,7 +78,7 @@ void CheckStoredName(const std::string& name, bool isAltered)
     unsigned char key[] = {0x8E, 0xA7, 0xC8, 0x31, 0x22, 0xDB, 0x9C, 0xA5,
                            0x36, 0x8F, 0xF0, 0x99, 0xCA, 0xC3, 0xC4, 0x0D};
     std::string envelope = name + std::string(24, '\0');
-    auto* const bytes = reinterpret_cast<unsigned char*>(envelope.data());
+    auto* const bytes = Unsigned(envelope);
     int length = 0;
     CCrypt(key, 0, 0).Encrypt(bytes, static_cast<int>(name.size()), bytes, length);
     envelope.resize(static_cast<std::size_t>(length));

@@ -133,8 +133,7 @@ void CheckLineBreaks(std::string text, std::size_t cut)
         const bool isBlank = has(i, '\t') || (has(i, '\r') && has(i + 2, '\n'));
         expected[i] = isBlank ? ' ' : has(i, '\r') || has(i, '\n') ? 12 : expected[i];
     }
-    CBaseUtil::CheckErrorWords(reinterpret_cast<unsigned char*>(text.data()),
-                               static_cast<unsigned short>(bytes));
+    CBaseUtil::CheckErrorWords(Unsigned(text), static_cast<unsigned short>(bytes));
     MODEL_CHECK(text == expected);
 }
 
