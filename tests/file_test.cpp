@@ -95,7 +95,8 @@ TEST(File, AFullDiskShowsInLargeWritesOnly)
 
 TEST(FileSystem, PathsAreTakenApart)
 {
-    ExpectAll(1, {F::IsLocalPath("c:/x"), F::IsLocalPath("Z:/"), F::IsLocalPath("z:/")});
+    ExpectAll(1, {F::IsLocalPath("c:/x"), F::IsLocalPath("Z:/"), F::IsLocalPath("C:/"),
+                  F::IsLocalPath("z:/")});
     for (const char* path : {"b:/", "B:/", "c:\\x", "c:", "cc/", "", "[:/", "{:/"}) {
         EXPECT_EQ(0, F::IsLocalPath(path));
     }
