@@ -73,7 +73,6 @@ TEST(File, OpensMakeDirectoriesAndTakePathsOfEveryForm)
         EXPECT_EQ(0, file.Open(L"d", mode));
         EXPECT_EQ(mode == Write ? -1 : 0, file.Read(&byte, 1)) << "still counts as open";
         file.Close();
-        ExpectAll(0, {file.Seek(0, 0), file.SeekToBegin(), file.SeekToEnd(), file.SetSize(0)});
         EXPECT_EQ(std::string(mode == Read ? "d/ " : "a/ a/b/ a/b/c= d/ socket= ") +
                       "\xC3\xA4=" + (mode == Write ? " " : "x "),
                   dir.All());
@@ -92,24 +91,18 @@ TEST(File, AFullDiskShowsInLargeWritesOnly)
     const std::string large(20480, 'x');
     EXPECT_EQ(UINT_MAX, file.WriteData(large.data(), 20480));
     EXPECT_EQ(-1, file.Write(large.data(), 20480));
-    ASSERT_EQ(1, file.OpenWithWriteCache(L"full", Append, 9));
-    EXPECT_EQ(3, file.Write("abc", 3));
-    EXPECT_FALSE(file.HasFailed());
-    file.Close();
-    EXPECT_TRUE(file.HasFailed());
 }
 
 TEST(FileSystem, PathsAreTakenApart)
 {
-    for (const char* path : {"c:/x", "Z:/", "C:/", "z:/"}) {
-        EXPECT_EQ(1, F::IsLocalPath(path));
-    }
-    for (const char* path : {"b:/", "B:/", "c:\\x", "c:", "cc/", "", "[:/", "{:/",
-                             static_cast<const char*>(nullptr)}) {
+    ExpectAll(1, {F::IsLocalPath("c:/x"), F::IsLocalPath("Z:/"), F::IsLocalPath("C:/"),
+                  F::IsLocalPath("z:/")});
+    for (const char* path : {"b:/", "B:/", "c:\\x", "c:", "cc/", "", "[:/", "{:/"}) {
         EXPECT_EQ(0, F::IsLocalPath(path));
     }
     CQWString name;
-    ExpectAll(0, {F::GetFileName(nullptr, name), F::GetFileNameWithoutExtension(nullptr, name)});
+    ExpectAll(0, {F::IsLocalPath(nullptr), F::GetFileName(nullptr, name),
+                  F::GetFileNameWithoutExtension(nullptr, name)});
 }
 
 TEST(FileSystem, LengthsAre32BitAndTakeBackslashesAsTheyAre)
@@ -123,10 +116,9 @@ TEST(FileSystem, LengthsAre32BitAndTakeBackslashesAsTheyAre)
                    F::GetFileLenght(Null), F::GetFileLenght(Null, path),
                    F::GetFileLenght(L"dangling")});
     ASSERT_TRUE(QFile::resize("sub/file", 0x180000005LL));
-    EXPECT_EQ(-0x7FFFFFFB, F::GetFileLenght(path));
     CQFile file;
     ASSERT_EQ(1, file.Open(path, Read));
-    EXPECT_EQ(-0x7FFFFFFB, file.GetLength());
+    ExpectAll(-0x7FFFFFFB, {F::GetFileLenght(path), file.GetLength()});
     char first = 0;
     EXPECT_EQ(1, file.Seek(0x7FFFFFFB, 2)) << "to 0: only the low 32 bits of the sum count";
     EXPECT_EQ(1, file.Read(&first, 1));

@@ -17,7 +17,7 @@ std::string Path(void (*member)(CQSString&, Parameters...), Arguments... argumen
 {
     CQSString out;
     member(out, arguments...);
-    return out.IsEmpty() ? "" : out.GetDataPtr();
+    return Content(out);
 }
 
 /// What members write that take the string and perhaps a directory, each followed by a blank.
@@ -59,7 +59,7 @@ TEST(Path, OfTheApplication)
     EXPECT_STREQ(L"/opt/orvoapp/4294967295/hwUl.info", wide);
 }
 
-TEST(Path, OfAnAccount)
+TEST(Path, OfAnAccountAndInADirectoryOfTheCaller)
 {
     const std::string tollo = "/opt/orvoapp/Browser/tollo";
     EXPECT_EQ(tollo + "cache_4294967295.info", Path(P::GetTolloLogCacheFilePath, account));
@@ -73,10 +73,6 @@ TEST(Path, OfAnAccount)
     EXPECT_EQ(own + "-7.fmsg", Path(P::GetFileTransInfoFilePath, root, account, -7));
     EXPECT_EQ("\xE4\xB8\xAD//4294967295/msg.info", Path(P::GetMsgFilePath, root, account));
     EXPECT_EQ("d/groupmem4294967295.info", Path(P::GetGroupMemberFilePath, "d", account));
-}
-
-TEST(Path, InADirectoryOfTheCaller)
-{
     EXPECT_EQ("d/EnergySave.dat d/selfinfo.info d/grouplist.info d/groupinfook.info "
               "d/groupmask.info d/LastLogOutTime.info d/BuddyListRefresh.info d/buddylist.info "
               "d/CFStamplist.info d/BuddyListTeamRefresh.info d/buddylistTeam.info "

@@ -11,12 +11,18 @@
 #include <cstdint>
 #include <string>
 
+/// The bytes of a text, to be written too.
+unsigned char* Unsigned(auto& text)
+{
+    return reinterpret_cast<unsigned char*>(text.data());
+}
+
 /// A string of either class that holds all of \a text, zeros too.
 template <class String>
 String Holding(auto text)
 {
     String s;
-    s.AppendData(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));
+    s.AppendData(Unsigned(text), static_cast<int>(text.size()));
     return s;
 }
 

@@ -1,6 +1,7 @@
 // Compressed files against zlib itself, told to take them apart and put them together at once.
 
 #include "Model.h"
+#include "Texts.h"
 
 #include <CQZipFile.h>
 
@@ -23,17 +24,16 @@ std::string LengthField(std::size_t length)
     return field;
 }
 
-std::string Compressed(const std::string& block)
+std::string Compressed(std::string block)
 {
     uLongf size = compressBound(static_cast<uLong>(block.size()));
     std::string stream(size, '\0');
-    compress(reinterpret_cast<Bytef*>(stream.data()), &size,
-             reinterpret_cast<const Bytef*>(block.data()), static_cast<uLong>(block.size()));
+    compress(Unsigned(stream), &size, Unsigned(block), static_cast<uLong>(block.size()));
     return block.empty() ? LengthField(0) : LengthField(block.size()) + stream.substr(0, size);
 }
 
 // What `stored` holds, when nothing bounds it.
-std::optional<std::string> Block(const std::string& stored)
+std::optional<std::string> Block(std::string stored)
 {
     if (stored.size() < 4) {
         return std::nullopt;
@@ -45,8 +45,7 @@ std::optional<std::string> Block(const std::string& stored)
     }
     auto size = static_cast<uLongf>(longest);
     std::string block(longest, '\0');
-    const int status = uncompress(reinterpret_cast<Bytef*>(block.data()), &size,
-                                  reinterpret_cast<const Bytef*>(stored.data() + 4),
+    const int status = uncompress(Unsigned(block), &size, Unsigned(stored) + 4,
                                   static_cast<uLong>(stored.size() - 4));
     return status == Z_OK ? std::optional(block.substr(0, size)) : std::nullopt;
 }
@@ -78,7 +77,7 @@ void CompareReads(const std::optional<std::string>& block)
         MODEL_CHECK(zip.HasFailed() != isHeld);
         MODEL_CHECK(bounded.toStdString() == (isHeld ? *block : ""));
         std::string buffer = untouched;
-        auto* bytes = reinterpret_cast<unsigned char*>(buffer.data());
+        auto* bytes = Unsigned(buffer);
         int found = -7;
         MODEL_CHECK(zip.Read(bytes, bound, &found, L"block") == isHeld);
         MODEL_CHECK(found == (isHeld ? length : -7));
@@ -93,12 +92,9 @@ void CompareReads(const std::optional<std::string>& block)
 // A compressed block with a few bytes changed, dropped or added.
 std::string Damaged(ByteSource& source)
 {
-    const std::string pattern = source.Bytes(20);
-    std::string block;
-    for (int repeats = source.Between(0, 200) * source.Between(0, 9); repeats > 0; --repeats) {
-        block += pattern;
-    }
-    std::string stored = Compressed(block);
+    const QByteArray pattern = QByteArray::fromStdString(source.Bytes(20));
+    const int repeats = source.Between(0, 200) * source.Between(0, 9);
+    std::string stored = Compressed(pattern.repeated(repeats).toStdString());
     for (int changes = source.Between(0, 3); changes > 0; --changes) {
         const auto at = static_cast<std::size_t>(
             source.Between(0, std::min(255, static_cast<int>(stored.size()))));
@@ -126,7 +122,7 @@ void DriveModel(ByteSource& source)
     const bool replaces = source.Between(0, 15) == 0; // waits for the disk: not always
     std::string before = source.Bytes(40), block = source.Rest();
     Store(before);
-    auto* bytes = reinterpret_cast<unsigned char*>(block.data());
+    auto* bytes = Unsigned(block);
     int length = static_cast<int>(block.size());
     const std::string compressed = Compressed(block);
     CQZipFile zip;

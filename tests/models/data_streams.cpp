@@ -2,6 +2,7 @@
 // bytes as they lie in memory, and what the device answers decides the result.
 
 #include "Model.h"
+#include "Texts.h"
 
 #include <CQSString.h>
 #include <DataInputStream.h>
@@ -87,13 +88,6 @@ std::string WriteOne(Writer& out, const Device& device, ByteSource& source)
         MODEL_CHECK(!isNamed || out.Write(value) == device.answer);
         return isNamed ? BytesOf(value) : streamed(value);
     };
-    const auto writtenString = [&] {
-        text.resize(text.size() * 150); // zero bytes too, and more than a buffer takes at once
-        CQSString string;
-        string.AppendData(reinterpret_cast<unsigned char*>(text.data()),
-                          static_cast<int>(text.size()));
-        return out.Write(string), text;
-    };
     const std::function<std::string()> items[] = {
         [&] { return written(static_cast<int>(word)); },
         [&] { return written(static_cast<short>(word)); },
@@ -104,7 +98,10 @@ std::string WriteOne(Writer& out, const Device& device, ByteSource& source)
         [&] { return streamed(static_cast<unsigned char>(word)); },
         [&] { return out << static_cast<char*>(nullptr) << text.c_str(), text; },
         [&] { return out << Point(), std::string("\1\0y", 3); },
-        writtenString};
+        [&] {
+            text.resize(text.size() * 150); // zero bytes too, and more than a buffer takes at once
+            return out.Write(Holding<CQSString>(text)), text;
+        }};
     return items[source.Between(0, 9)]();
 }
 
@@ -120,8 +117,7 @@ void CheckItem(Reader& in, T (DataInputStream::*read)(), const Device& device)
 {
     int thrown = 0;
     try {
-        const T value = (in.*read)();
-        MODEL_CHECK(BytesOf(value) == device.bytes);
+        MODEL_CHECK(BytesOf((in.*read)()) == device.bytes);
     } catch (int error) {
         thrown = error;
     }

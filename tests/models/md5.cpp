@@ -1,6 +1,7 @@
 // MD5 in pieces, and what is derived from it, against Qt's implementation.
 
 #include "Model.h"
+#include "Texts.h"
 
 #include <CCrypt.h>
 
@@ -15,11 +16,6 @@ namespace
 QByteArray Digest(const QByteArray& message)
 {
     return QCryptographicHash::hash(message, QCryptographicHash::Md5);
-}
-
-unsigned char* Unsigned(auto& bytes)
-{
-    return reinterpret_cast<unsigned char*>(bytes.data());
 }
 
 void CheckPieces(ByteSource& source)

@@ -2,6 +2,7 @@
 // touches the disk.
 
 #include "Model.h"
+#include "Texts.h"
 
 #include <CCrypt.h>
 #include <CQFile.h>
@@ -11,24 +12,12 @@
 #include <CQWString.h>
 #include <Orvo/CQPath.h>
 
-#include <algorithm>
 #include <memory>
+
+using namespace std::string_literals;
 
 namespace
 {
-
-CQWString Wide(const std::wstring& text)
-{
-    CQWString s;
-    s.SetData(text.c_str());
-    return s;
-}
-
-template <class String>
-auto Content(const String& s)
-{
-    return std::basic_string(s.GetDataPtr(), s.GetDataPtr() + s.GetLength());
-}
 
 template <class Text>
 Text Slashed(Text text)
@@ -42,15 +31,14 @@ void CheckParts(const std::wstring& path)
 {
     const std::wstring name = path.substr(path.rfind(L'/') + 1);
     const auto dot = std::min(name.find(L'.'), name.size());
-    const std::wstring stem = name.substr(0, dot),
-                       rest = name.substr(std::min(dot + 1, name.size()));
+    const auto stem = name.substr(0, dot), rest = name.substr(std::min(dot + 1, name.size()));
     const QString text = QString::fromStdWString(L"d/" + path); // U+FEFF never first
     const std::unique_ptr<QString> ext(CQFileUtils::Ext(text));
     MODEL_CHECK((ext != nullptr) == (dot < name.size()));
     MODEL_CHECK(!ext || ext->toStdWString() == rest);
     const std::unique_ptr<QString> withoutExt(CQFileUtils::FileNameWithoutExt(text));
     MODEL_CHECK(withoutExt->toStdWString() == stem);
-    CQWString shortName = Wide(L"old"), extension = Wide(path);
+    auto shortName = Holding<CQWString>(L"old"s), extension = Holding<CQWString>(path);
     CQFileNameUtil::FindShortName(extension, shortName);
     MODEL_CHECK(Content(shortName) == stem);
     CQFileNameUtil::FindFileExtName(extension, extension);
@@ -65,8 +53,8 @@ void CheckFileNames(const std::wstring& path)
     const auto start = text.rfind(L'/') + 1;
     const auto dot = std::min(text.rfind(L'.'), text.size());
     const bool hasName = start < text.size(), hasStem = hasName && dot >= start;
-    const CQWString whole = Wide(path);
-    CQWString name = path.empty() ? Wide(L"old") : whole, stem = Wide(L"old");
+    auto whole = Holding<CQWString>(path), stem = Holding<CQWString>(L"old"s);
+    CQWString name = path.empty() ? stem : whole;
     MODEL_CHECK(CQFile::GetFileName(path.empty() ? &whole : &name, name) == hasName);
     MODEL_CHECK(CQFile::GetFileNameWithoutExtension(&whole, stem) == hasStem);
     MODEL_CHECK(Content(name) == (text.empty() ? L"old" : text.substr(start)));
@@ -84,31 +72,21 @@ void CheckNextDir(const std::string& path, int from)
                 (start >= length ? length : next));
 }
 
-CQSString Bytes(std::string text)
-{
-    CQSString s;
-    s.SetData(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));
-    return s;
-}
-
 // Enveloped by the cipher itself under the program's key, and by the counterpart.
 void CheckStoredName(const std::string& name, bool isAltered)
 {
     unsigned char key[] = {0x8E, 0xA7, 0xC8, 0x31, 0x22, 0xDB, 0x9C, 0xA5,
                            0x36, 0x8F, 0xF0, 0x99, 0xCA, 0xC3, 0xC4, 0x0D};
-    const CCrypt cipher(key, 0, 0);
-    std::string envelope(name.size() + 24, '\0');
+    std::string envelope = name + std::string(24, '\0');
+    auto* const bytes = Unsigned(envelope);
     int length = 0;
-    cipher.Encrypt(reinterpret_cast<const unsigned char*>(name.data()),
-                   static_cast<int>(name.size()), reinterpret_cast<unsigned char*>(envelope.data()),
-                   length);
+    CCrypt(key, 0, 0).Encrypt(bytes, static_cast<int>(name.size()), bytes, length);
     envelope.resize(static_cast<std::size_t>(length));
     envelope.back() ^= isAltered ? '@' : '\0';
-    CQSString stored = Bytes(envelope);
+    auto stored = Holding<CQSString>(envelope), made = Holding<CQSString>(name);
     const bool isRead = !isAltered && name.size() <= 256;
     MODEL_CHECK(CQPath::DecodeFileName(stored) == isRead);
     MODEL_CHECK(Content(stored) == (isRead ? name : envelope));
-    CQSString made = Bytes(name);
     const bool isMade = !name.empty() && name.size() <= 256;
     MODEL_CHECK(CQPath::EncodeFileName(made) == isMade);
     MODEL_CHECK((Content(made) != name) == isMade);

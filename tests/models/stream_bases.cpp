@@ -30,11 +30,7 @@ int Length(ByteSource& source)
 
 struct Sink : OrvoStream::COStream {
     void Close() override {}
-    void Flush() override
-    {
-        calls += "F";
-        COStream::Flush();
-    }
+    void Flush() override { calls += "F", COStream::Flush(); }
     void SaveBuffer(char const* data, int len) override
     {
         (calls += data == nullptr ? "S" : "s").append(data, data + len);
@@ -94,10 +90,7 @@ struct Source : OrvoStream::CIStream {
 
 struct PlainSource : Source {
     using Source::Source;
-    int LoadAt(int start, int len)
-    {
-        return std::clamp(LoadBuffer(buffer.data() + start, len), 0, len);
-    }
+    int Load(int at, int len) { return std::clamp(LoadBuffer(buffer.data() + at, len), 0, len); }
     int Read(char* dest, int len) override
     {
         if (len < 0 || (dest == nullptr && len > 0)) {
@@ -105,12 +98,12 @@ struct PlainSource : Source {
         }
         if (buffer.empty()) {
             buffer.resize(BufferSize);
-            valid = LoadAt(0, BufferSize);
+            valid = Load(0, BufferSize);
         }
         if (position + len > valid) {
             const int rest = static_cast<int>(std::max<qint64>(valid - position, 0));
             std::memmove(buffer.data(), buffer.data() + (valid - rest), std::size_t(rest));
-            valid = rest + LoadAt(rest, valid - rest);
+            valid = rest + Load(rest, valid - rest);
         }
         if (valid < len) {
             return 0;

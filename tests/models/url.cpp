@@ -16,18 +16,14 @@ namespace
 
 const std::string Alphabet = "%%%%++=&& \r\n\taAbBfF0129?><#\"!'()*-._~:/\x7F\x80\xC3\xA9\xFF\1";
 
-bool IsSafe(char c)
-{
-    return QByteArray("!'()*-._0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz")
-        .contains(c);
-}
+const QByteArray Safe = "!'()*-._0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
 void CheckEncode(const QString& text)
 {
     QByteArray expected;
     for (const char c : text.toUtf8()) {
-        MODEL_CHECK(CBaseUtil::IsCharSafe(c) == IsSafe(c));
-        expected += IsSafe(c) ? QByteArray(1, c) : expected.toHex();
+        MODEL_CHECK(CBaseUtil::IsCharSafe(c) == Safe.contains(c));
+        expected += Safe.contains(c) ? QByteArray(1, c) : expected.toHex();
         if (expected.size() > 100000) {
             return;
         }
@@ -137,8 +133,7 @@ void CheckLineBreaks(std::string text, std::size_t cut)
         const bool isBlank = has(i, '\t') || (has(i, '\r') && has(i + 2, '\n'));
         expected[i] = isBlank ? ' ' : has(i, '\r') || has(i, '\n') ? 12 : expected[i];
     }
-    CBaseUtil::CheckErrorWords(reinterpret_cast<unsigned char*>(text.data()),
-                               static_cast<unsigned short>(bytes));
+    CBaseUtil::CheckErrorWords(Unsigned(text), static_cast<unsigned short>(bytes));
     MODEL_CHECK(text == expected);
 }
 
