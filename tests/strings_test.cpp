@@ -57,18 +57,6 @@ TEST(WideString, GrowthDoublesUpTo512Units)
     }
 }
 
-TEST(WideString, TakesUnitsAtAnyAlignment)
-{
-    unsigned char shifted[4 * sizeof(wchar_t) + 1];
-    std::memcpy(shifted + 1, L"wide", 4 * sizeof(wchar_t));
-    CQWString s;
-    ExpectAll(1, {s.SetData(shifted + 1, 4), s.AppendData(shifted + 1, 2)});
-    EXPECT_STREQ(L"widewi", s);
-    std::memcpy(shifted + 1, u"A\u00E9\u4E2D\0", 8);
-    EXPECT_EQ(1, s.SetUTF16Data(shifted + 1, 4));
-    EXPECT_STREQ(L"A\u00E9\u4E2D", s);
-}
-
 // The sums of (byte % 10) x 10^k modulo 2^32, computed in Python.
 TEST(WideString, TextMapsToTheDigitsOfItsBytes)
 {

@@ -183,8 +183,16 @@ struct Argument {
         text = p == nullptr ? TextOf<C>() : p;
         size = isInside ? s.GetLength() - at : static_cast<int>(outside.size());
     }
-    unsigned char* Bytes() const { return reinterpret_cast<unsigned char*>(const_cast<C*>(p)); }
+    // What comes from outside may stand at any address.
+    unsigned char* Bytes()
+    {
+        const auto* const bytes = reinterpret_cast<const char*>(p);
+        shifted = '-' + std::string(bytes, outside.empty() ? 0 : sizeof(C) * (outside.size() + 1));
+        char* const taken = outside.empty() ? const_cast<char*>(bytes) : shifted.data() + 1;
+        return reinterpret_cast<unsigned char*>(taken);
+    }
 
+    std::string shifted;
     TextOf<C> outside, text;
     const C* p;
     int size; // zeros within count
