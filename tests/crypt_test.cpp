@@ -3,7 +3,6 @@
 #include <CCrypt.h>
 #include <TeaBlock.h>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <QByteArray>
@@ -32,20 +31,12 @@ Bytes Seal(const CCrypt& crypt)
 
 } // namespace
 
-// Published test vectors of TEA, which has 32 cycles.
-TEST(Tea, MatchesThePublishedVectors)
+// A published test vector of TEA, which has 32 cycles.
+TEST(Tea, MatchesAPublishedVector)
 {
-    const char* const vectors[][3] = {
-        {"00000000000000000000000000000000", "0000000000000000", "41ea3a0a94baa940"},
-        {"0123456712345678234567893456789a", "0102030405060708", "773dc179878a81c0"}};
-    for (const auto& [key, plain, enciphered] : vectors) {
-        const Tea::Key words = Tea::LoadKey(Hex(key).data());
-        const Tea::Block block = Tea::Encipher(Tea::Load(Hex(plain).data()), words, 32);
-        Bytes stored(16);
-        Tea::Store(block, stored.data());
-        Tea::Store(Tea::Decipher(block, words, 32), stored.data() + 8);
-        EXPECT_EQ(Hex(QByteArray(enciphered) + plain), stored);
-    }
+    const Tea::Key key = Tea::LoadKey(Hex("0123456712345678234567893456789a").data());
+    const Tea::Block block = Tea::Encipher(Tea::Load(Hex("0102030405060708").data()), key, 32);
+    EXPECT_EQ(std::pair(0x773DC179U, 0x878A81C0U), std::pair(block.y, block.z));
 }
 
 // Of a payload of 2 bytes the first block, which is enciphered without feedback, holds header,
@@ -71,16 +62,12 @@ TEST(Envelope, DrawsOtherBytesInAForkedChild)
     Seal(crypt);
     int ends[2];
     ASSERT_EQ(0, pipe(ends));
-    const pid_t child = fork();
-    if (child == 0) {
+    if (fork() == 0) {
         _exit(write(ends[1], Seal(crypt).data(), 16) == 16 ? 0 : 1);
     }
     Bytes fromChild(16);
     EXPECT_EQ(16, read(ends[0], fromChild.data(), 16));
     EXPECT_NE(Seal(crypt), fromChild);
-    waitpid(child, nullptr, 0);
-    close(ends[0]);
-    close(ends[1]);
 }
 
 TEST(Envelope, RefusesNullAndLengthsWithoutAnEnvelope)

@@ -169,16 +169,6 @@ TEST(PictureDemand, IsWhatTheHeadersTell)
     }
 }
 
-TEST_F(Decoders, AJpegMayEndAnywhereOnADirtyHeap)
-{
-    mallopt(M_PERTURB, 0x5A);
-    const QByteArray whole = Encoded("JPG", Plain(QImage::Format_RGB32));
-    for (int length = 1; length <= whole.size(); ++length) {
-        const int format = Decode(whole.left(length));
-        EXPECT_TRUE(format == 0 || format == enFormat_RGB32) << length;
-    }
-}
-
 TEST_F(Decoders, APipeOrADeviceIsRefusedAtOnce)
 {
     ASSERT_EQ(0, mkfifo("pipe", 0600));

@@ -85,8 +85,7 @@ void Begin(void (*work)(), int count = 1)
 }
 
 /// Whether children that each do the work, and then exit, all end with 0.
-template <class Work>
-bool ChildrenEndWell(int count, Work work)
+bool ChildrenEndWell(int count, auto work)
 {
     for (int i = 0; i < count; ++i) {
         if (fork() == 0) {

@@ -34,27 +34,6 @@ TEST(BothStrings, AssertionsReportTheLineOfTheirOperation)
     EXPECT_EQ(9U, countLines(CQWString()));
 }
 
-TEST(ByteString, ComparesEveryByteOfALongTextWithoutCase)
-{
-    const auto s = Make<CQSString>(std::string(130, 'a'));
-    std::string other(130, 'A');
-    EXPECT_EQ(0, s.CompareNoCase(other.c_str()));
-    for (char& c : other) {
-        c = 'B';
-        EXPECT_EQ(-1, s.CompareNoCase(other.c_str())) << &c - other.data();
-        c = 'A';
-    }
-}
-
-TEST(ByteString, ReplacesBeyondThePlacesItNotes)
-{
-    for (const int count : {512, 513, 1200}) {
-        auto s = Make<CQSString>(std::string(static_cast<size_t>(count), 'a'));
-        EXPECT_EQ(count, s.Replace("a", "b"));
-        EXPECT_EQ(std::string(static_cast<size_t>(count), 'b'), Content(s));
-    }
-}
-
 // Expected values computed in Python from the published FNV-1a constants and the mix.
 TEST(ByteString, HashIsMixedFnv1aOverUnsignedBytes)
 {
@@ -78,25 +57,6 @@ TEST(WideString, GrowthDoublesUpTo512Units)
     }
 }
 
-TEST(WideString, TrimmedBlanksBecomeZero)
-{
-    CQWString s = Wide(L" \t");
-    s.TrimRightAndLeft();
-    EXPECT_EQ(0, s.GetDataPtr()[1]);
-}
-
-TEST(WideString, TakesUnitsAtAnyAlignment)
-{
-    unsigned char shifted[4 * sizeof(wchar_t) + 1];
-    std::memcpy(shifted + 1, L"wide", 4 * sizeof(wchar_t));
-    CQWString s;
-    ExpectAll(1, {s.SetData(shifted + 1, 4), s.AppendData(shifted + 1, 2)});
-    EXPECT_STREQ(L"widewi", s);
-    std::memcpy(shifted + 1, u"A\u00E9\u4E2D\0", 8);
-    EXPECT_EQ(1, s.SetUTF16Data(shifted + 1, 4));
-    EXPECT_STREQ(L"A\u00E9\u4E2D", s);
-}
-
 // The sums of (byte % 10) x 10^k modulo 2^32, computed in Python.
 TEST(WideString, TextMapsToTheDigitsOfItsBytes)
 {
@@ -111,10 +71,7 @@ TEST(WideString, TextMapsToTheDigitsOfItsBytes)
 // Each character behind a capital, where the platform maps the text as a whole.
 TEST(WideString, CaseMappingFollowsThePlatformForEveryCharacter)
 {
-    for (char32_t c = 1; c <= QChar::LastValidCodePoint; ++c) {
-        if (QChar::isSurrogate(c)) {
-            continue;
-        }
+    for (char32_t c = 1; c <= QChar::LastValidCodePoint; c += c == 0xD7FF ? 0x801 : 1) {
         const std::wstring units = {L'a', static_cast<wchar_t>(c), L'Z', L'Z', L'Z'};
         const QString text = QString::fromStdWString(units);
         for (const bool upper : {true, false}) {

@@ -7,7 +7,6 @@
 #include <QCoreApplication>
 
 #include <cstdio>
-#include <cstring>
 #include <string>
 
 static_assert(__cplusplus >= 201703L, "this client is built as C++17 or later");
@@ -52,22 +51,15 @@ std::string Run()
 
 int main(int argc, char** argv)
 {
-    const bool isSigned = static_cast<char>(-1) < 0;
-    if (argc != 2 || isSigned != (std::strcmp(argv[1], "signed") == 0)) {
-        std::fprintf(stderr, "client: built with %s char\n", isSigned ? "signed" : "unsigned");
-        return 2;
-    }
     const QCoreApplication application(argc, argv);
-    if (QCoreApplication::instance() != &application) {
-        std::fprintf(stderr, "client: the platform does not see the application object\n");
-        return 1;
-    }
+    const bool isSeen = QCoreApplication::instance() == &application;
+    const std::string sign = static_cast<char>(-1) < 0 ? "signed" : "unsigned", result = Run();
     // Latin-1 case mapping and the hash, -2122079644, were computed in Python.
-    const std::string expected = "\xE4\x80\xE4rger \xFF\xC4RGER \xFF\xFE-2122079644+unsafe";
-    const std::string result = Run();
-    if (result != expected) {
-        std::fprintf(stderr, "client: got %s, not %s\n", result.c_str(), expected.c_str());
-        return 1;
+    const char* const expected = "\xE4\x80\xE4rger \xFF\xC4RGER \xFF\xFE-2122079644+unsafe";
+    if (argc == 2 && sign == argv[1] && isSeen && result == expected) {
+        return 0;
     }
-    return 0;
+    std::fprintf(stderr, "client: %s char, application object %s, got %s\n", sign.c_str(),
+                 isSeen ? "seen" : "not seen", result.c_str());
+    return 1;
 }

@@ -13,6 +13,7 @@
 
 #include <array>
 #include <functional>
+#include <malloc.h>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -74,6 +75,7 @@ inline QByteArray Icon(const QByteArray& content,
 /// A picture with up to three bytes changed, or foreign bytes; either may be cut.
 inline QByteArray Any(ByteSource& source)
 {
+    mallopt(M_PERTURB, 0x5A); // fresh memory holds anything
     static const QByteArray whole[] = {
         Png(QImage::Format_ARGB32),
         Png(QImage::Format_RGBA64),

@@ -7,6 +7,7 @@
 #include <CQWString.h>
 
 #include <cmath>
+#include <optional>
 
 namespace
 {
@@ -24,29 +25,28 @@ int FitSide(int side, double ratio)
     return int(std::clamp<double>(fit, INT_MIN, INT_MAX));
 }
 
-// False without a size, and then `fit` stays.
-bool FitSize(QSize size, QSize screen, QSize& fit)
+// Nothing without a size.
+std::optional<QSize> FitSize(QSize size, QSize screen)
 {
-    if (size.width() < 1 || size.height() < 1) {
-        return false;
+    if (size.isEmpty()) {
+        return std::nullopt;
     }
     const auto ratio = [](int side, int limit) {
         return limit == 0 ? HUGE_VAL : double(side) / limit;
     };
     const double rw = ratio(size.width(), screen.width());
     const double rh = ratio(size.height(), screen.height());
-    fit = size.width() <= screen.width() ? size
-          : rw > rh                      ? QSize(screen.width(), FitSide(size.height(), rw))
-          : rw == rh                     ? screen
-                                         : QSize(FitSide(size.width(), rh), screen.height());
-    return true;
+    return size.width() <= screen.width() ? size
+           : rw > rh                      ? QSize(screen.width(), FitSide(size.height(), rw))
+           : rw == rh                     ? screen
+                                          : QSize(FitSide(size.width(), rh), screen.height());
 }
 
 // Whether the image is read anew, as if its fitted copy's raw pixels were a file.
 bool Resize(QImage& image, QSize screen)
 {
-    QSize fit;
-    if (!FitSize(image.size(), screen, fit) || fit == image.size()) {
+    const QSize fit = FitSize(image.size(), screen).value_or(image.size());
+    if (fit == image.size()) {
         return false;
     }
     const QImage copy = fit.isValid() ? image.scaled(fit) : QImage();
@@ -112,11 +112,11 @@ void Decode(ByteSource& source, CQBImageDecode& decoder, Pictures::Recorder& rec
 
 void Fit(ByteSource& source, CQBImageDecode& decoder, Reference& reference)
 {
-    QSize fit(-7, -7), expected(-7, -7);
+    QSize fit(-7, -7);
     const int width = Side(source), height = Side(source);
-    const bool fits = FitSize({width, height}, reference.screen, expected);
-    MODEL_CHECK(decoder.GetFitScreenSize({width, height}, fit) == (fits ? 1 : 0));
-    MODEL_CHECK(fit == expected);
+    const auto expected = FitSize({width, height}, reference.screen);
+    MODEL_CHECK(decoder.GetFitScreenSize({width, height}, fit) == (expected ? 1 : 0));
+    MODEL_CHECK(fit == expected.value_or(QSize(-7, -7)));
     // The start of a grey map, or of any other picture, may stand in the pixels of a reduced copy:
     // in every second column of the middle row, with nothing around it.
     const QByteArray pixels = source.Flag() ? Pictures::Any(source) : "P5 2 1 255 ab";

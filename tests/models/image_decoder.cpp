@@ -28,9 +28,10 @@ QImage Converted(const QImage& image, int mode)
                : QImage();
 }
 
-void CheckSlot(std::unique_ptr<QImage> own, Slot& expected)
+void CheckSlot(const QImage* taken, Slot& expected)
 {
-    MODEL_CHECK(Pictures::AreSame(own.get(), expected ? &*expected : nullptr));
+    const std::unique_ptr<const QImage> own(taken);
+    MODEL_CHECK(Pictures::AreSame(taken, expected ? &*expected : nullptr));
     expected.reset();
 }
 
@@ -41,11 +42,11 @@ void TakeImages(ByteSource& source, CQImageDecode& decoder, Reference& reference
     MODEL_CHECK(decoder.GetImageFromPng(nullptr, &mask) == 0);
     const int taken = source.Between(0, 2); // the image, both, or neither
     if (taken == 0) {
-        CheckSlot(std::unique_ptr<QImage>(decoder.GetImage()), reference.image);
+        CheckSlot(decoder.GetImage(), reference.image);
     } else if (taken == 1) {
         MODEL_CHECK(decoder.GetImageFromPng(&image, &mask) == 1);
-        CheckSlot(std::unique_ptr<QImage>(image), reference.image);
-        CheckSlot(std::unique_ptr<QImage>(mask), reference.mask);
+        CheckSlot(image, reference.image);
+        CheckSlot(mask, reference.mask);
     }
 }
 

@@ -55,30 +55,16 @@ struct Trees {
                                                     header.m_pRight) == &nodes[key]);
     }
 
-    /// The right child goes up in its parent's place, and its parent back up.
-    void RotateThereAndBack(Node* node)
-    {
-        if (Node* const right = node->m_pRight; right != nullptr) {
-            const Node* const inner = right->m_pLeft;
-            CQBTreeUtil::RotateLeft(node, header.m_pParent);
-            MODEL_CHECK(right->m_pLeft == node && node->m_pRight == inner);
-            CQBTreeUtil::RotateRight(right, header.m_pParent);
-        }
-    }
-
-    const Node* Twin(const Reference* reference) const
-    {
-        return reference == nullptr ? nullptr : &nodes[reference - references];
-    }
-
     void CheckNode(int index) const
     {
+        const auto twin = [this](const Reference* reference) {
+            return reference == nullptr ? nullptr : &nodes[reference - references];
+        };
+        const auto& [color, parent, left, right] = references[index];
         const Node& node = nodes[index];
-        const Reference& reference = references[index];
-        MODEL_CHECK(node.m_nColor == (reference._M_color == std::_S_black ? 1 : 0));
-        MODEL_CHECK(node.m_pParent == Twin(reference._M_parent));
-        MODEL_CHECK(node.m_pLeft == Twin(reference._M_left));
-        MODEL_CHECK(node.m_pRight == Twin(reference._M_right));
+        MODEL_CHECK(node.m_nColor == (color == std::_S_black ? 1 : 0));
+        MODEL_CHECK(node.m_pParent == twin(parent));
+        MODEL_CHECK(node.m_pLeft == twin(left) && node.m_pRight == twin(right));
     }
 
     /// Steps from the leftmost node through all keys to the header, each step there and back.
@@ -109,8 +95,10 @@ void DriveModel(ByteSource& source)
             trees.Insert(key);
         } else if (source.Byte() % 8 != 0) {
             trees.Remove(key);
-        } else {
-            trees.RotateThereAndBack(&trees.nodes[key]);
+        } else if (Node* const right = trees.nodes[key].m_pRight; right != nullptr) {
+            CQBTreeUtil::RotateLeft(&trees.nodes[key], trees.header.m_pParent);
+            MODEL_CHECK(right->m_pLeft == &trees.nodes[key]);
+            CQBTreeUtil::RotateRight(right, trees.header.m_pParent);
         }
         trees.CheckSteps();
     }
